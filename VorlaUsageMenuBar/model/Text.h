@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Unicode text as the application needs it. All text is UTF-8, and well-formed unless called
+/// `bytes`. A character is what a user perceives as one: an extended grapheme cluster (UAX #29).
+namespace vorla::text {
+
+/// The Unicode property White_Space.
+bool isWhiteSpace(char32_t codePoint);
+
+/// Without white space and line ends at both ends.
+std::string_view trimmed(std::string_view text);
+
+/// The first `count` characters, or all of them.
+std::string_view firstCharacters(std::string_view text, std::size_t count);
+
+/// As many whole characters from the start as fit into `maximumBytes`.
+std::string_view fittingCharacters(std::string_view text, std::size_t maximumBytes);
+
+/// The first character in upper case, the rest unchanged. Letters without a single upper-case
+/// counterpart, such as ß, stay as they are.
+std::string withFirstCharacterUppercased(std::string_view text);
+
+/// Turns a stream of bytes into well-formed text, piece by piece: one U+FFFD for each maximal
+/// ill-formed part (The Unicode Standard, chapter 3, "U+FFFD Substitution of Maximal Subparts").
+///
+/// The work per piece does not grow with what came before.
+class Utf8Repair final {
+public:
+    void append(std::string_view bytes);
+
+    /// All text so far. An unfinished character at the end shows as U+FFFD until the rest comes.
+    std::string_view text() const { return text_; }
+
+    /// Drops text from the start, in whole code points, until at most `maximumBytes` are left.
+    void keepLast(std::size_t maximumBytes);
+
+private:
+    std::string text_;
+    /// The bytes of an unfinished character; text_ then ends in a U+FFFD that stands for them.
+    std::string unfinished_;
+};
+
+std::string repaired(std::string_view bytes);
+
+} // namespace vorla::text
