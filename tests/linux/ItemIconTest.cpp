@@ -1,0 +1,332 @@
+// SPDX-License-Identifier: MIT
+#include "linux/ItemIcon.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace vorla {
+namespace {
+
+constexpr int sizeCount = 6;
+
+struct Colour {
+    int alpha = 0;
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+
+    bool operator==(const Colour&) const = default;
+};
+
+std::vector<Pixmap> icons(std::initializer_list<std::int64_t> figures) {
+    return figureIcons(std::span(figures.begin(), figures.size()));
+}
+
+Colour colourAt(const Pixmap& icon, int column, int row) {
+    const auto* pixel = &icon.argb.at(static_cast<std::size_t>(row * icon.width + column) * 4);
+    return {pixel[0], pixel[1], pixel[2], pixel[3]};
+}
+
+/// The middle of the upper edge is never written on.
+Colour plateOf(const Pixmap& icon) {
+    return colourAt(icon, icon.width / 2, 0);
+}
+
+/// 0 where the plate shows, 255 for the text's full colour.
+int ink(const Pixmap& icon, int column, int row) {
+    const int plate = plateOf(icon).red;
+    return (colourAt(icon, column, row).red - plate) * 255 / (255 - plate);
+}
+
+/// The ink of the columns up to `endColumn`, row after row.
+std::vector<int> inkOf(const Pixmap& icon, int endColumn) {
+    std::vector<int> all;
+    for (int row = 0; row < icon.height; ++row) {
+        for (int column = 0; column < endColumn; ++column) {
+            all.push_back(ink(icon, column, row));
+        }
+    }
+    return all;
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes upperHalf(const Pixmap& icon) {
+    return {icon.argb.begin(), icon.argb.begin() + std::ssize(icon.argb) / 2};
+}
+
+Bytes lowerHalf(const Pixmap& icon) {
+    return {icon.argb.begin() + std::ssize(icon.argb) / 2, icon.argb.end()};
+}
+
+int totalInk(const Pixmap& icon) {
+    int total = 0;
+    for (const int each : inkOf(icon, icon.width)) {
+        total += each;
+    }
+    return total;
+}
+
+bool inkTouchesTheEdge(const Pixmap& icon) {
+    const int last = icon.width - 1;
+    for (int place = 0; place < icon.width; ++place) {
+        if (ink(icon, place, 0) != 0 || ink(icon, place, last) != 0 || ink(icon, 0, place) != 0 ||
+            ink(icon, last, place) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// '_' is transparent, ',' a fading corner, '.' the plate; text is '-', '+' or '#', the denser the
+/// more.
+char symbol(int alpha, int dense) {
+    if (alpha < 255) {
+        return alpha == 0 ? '_' : ',';
+    }
+    if (dense < 32) {
+        return '.';
+    }
+    if (dense < 96) {
+        return '-';
+    }
+    return dense < 176 ? '+' : '#';
+}
+
+std::string picture(const Pixmap& icon) {
+    std::string text;
+    for (int row = 0; row < icon.height; ++row) {
+        for (int column = 0; column < icon.width; ++column) {
+            text += symbol(colourAt(icon, column, row).alpha, ink(icon, column, row));
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+std::string savedPicture(const std::string& name) {
+    const std::ifstream file(VORLA_TEST_DATA "/icons/" + name + ".txt");
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+/// Relative luminance as the Web Content Accessibility Guidelines 2.1 define it, 0 to 1.
+double luminance(const Colour& colour) {
+    const auto linear = [](int channel) {
+        const double share = channel / 255.0;
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) +
+           0.0722 * linear(colour.blue);
+}
+
+double contrast(const Colour& one, const Colour& other) {
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+TEST(ItemIcon, comesInTheSizesThatPanelsUse) {
+    std::vector<int> sizes;
+    for (const Pixmap& icon : icons({87, 62})) {
+        EXPECT_EQ(icon.width, icon.height);
+        EXPECT_EQ(icon.argb.size(), static_cast<std::size_t>(icon.width * icon.height * 4));
+        sizes.push_back(icon.width);
+    }
+    EXPECT_EQ(sizes, (std::vector{16, 22, 24, 32, 48, 64}));
+}
+
+TEST(ItemIcon, looksAsInTheSavedPictures) {
+    struct Case {
+        std::string name;
+        std::vector<std::int64_t> figures;
+        int size;
+    };
+
+    const std::vector<Case> cases{
+        {"87-over-62-at-16", {87, 62}, 16},
+        {"87-over-62-at-22", {87, 62}, 22},
+        {"87-over-62-at-32", {87, 62}, 32},
+        {"100-over-100-at-16", {100, 100}, 16},
+        {"100-over-100-at-22", {100, 100}, 22},
+        {"5-over-0-at-16", {5, 0}, 16},
+        {"62-at-16", {62}, 16},
+        {"62-at-22", {62}, 22},
+        {"unknown-at-16", {}, 16},
+        {"unknown-at-22", {}, 22},
+        {"39-over-41-at-24", {39, 41}, 24},
+    };
+    for (const Case& each : cases) {
+        const std::vector<Pixmap> all = figureIcons(each.figures);
+        const auto icon = std::ranges::find(all, each.size, &Pixmap::width);
+        ASSERT_NE(icon, all.end());
+        EXPECT_EQ(picture(*icon), savedPicture(each.name)) << each.name;
+    }
+}
+
+TEST(ItemIcon, leavesOutWhatComesAfterTheSecondFigure) {
+    EXPECT_EQ(icons({87, 62, 5}), icons({87, 62}));
+}
+
+TEST(ItemIcon, writesTextThatStandsOutFromThePlate) {
+    for (const Pixmap& icon : icons({87, 62})) {
+        Colour brightest = plateOf(icon);
+        for (int row = 0; row < icon.height; ++row) {
+            for (int column = 0; column < icon.width; ++column) {
+                const Colour colour = colourAt(icon, column, row);
+                brightest = luminance(colour) > luminance(brightest) ? colour : brightest;
+            }
+        }
+        EXPECT_GE(contrast(brightest, plateOf(icon)), 4.5) << icon.width;
+    }
+}
+
+TEST(ItemIcon, hasAPlateThatStandsOutFromDarkAndLightPanels) {
+    constexpr Colour black{255, 0, 0, 0};
+    constexpr Colour white{255, 255, 255, 255};
+    for (const Pixmap& icon : icons({})) {
+        EXPECT_GE(contrast(plateOf(icon), black), 4.4) << icon.width;
+        EXPECT_GE(contrast(plateOf(icon), white), 4.4) << icon.width;
+    }
+}
+
+TEST(ItemIcon, isOpaqueButForItsRoundedCorners) {
+    for (const Pixmap& icon : icons({100, 100})) {
+        const int last = icon.width - 1;
+        for (const auto& [column, row] : std::initializer_list<std::pair<int, int>>{
+                 {0, 0}, {last, 0}, {0, last}, {last, last}}) {
+            EXPECT_EQ(colourAt(icon, column, row).alpha, 0) << icon.width;
+        }
+        const int corner = (icon.width + 4) / 5;
+        for (int row = 0; row < icon.height; ++row) {
+            for (int column = 0; column < icon.width; ++column) {
+                const bool besideCorner = (row >= corner && row <= last - corner) ||
+                                          (column >= corner && column <= last - corner);
+                if (besideCorner) {
+                    ASSERT_EQ(colourAt(icon, column, row).alpha, 255) << column << ' ' << row;
+                }
+            }
+        }
+    }
+}
+
+TEST(ItemIcon, keepsThePlatesFullColourWhereTheCornersFade) {
+    int fading = 0;
+    for (const Pixmap& icon : icons({})) {
+        Colour plate = plateOf(icon);
+        for (int row = 0; row < icon.height; ++row) {
+            for (int column = 0; column < icon.width; ++column) {
+                const Colour colour = colourAt(icon, column, row);
+                if (colour.alpha != 0 && colour.alpha != 255) {
+                    plate.alpha = colour.alpha;
+                    EXPECT_EQ(colour, plate);
+                    ++fading;
+                }
+            }
+        }
+    }
+    EXPECT_GT(fading, 0);
+}
+
+TEST(ItemIcon, drawsEveryPairInsideThePlateAndNoTwoPairsAlike) {
+    // Each half shows its own figure and nothing of the other, as the loops below find out for
+    // every pair. Different halves for all figures then make all pairs different.
+    std::array<std::vector<Bytes>, sizeCount> uppers;
+    std::array<std::vector<Bytes>, sizeCount> lowers;
+    for (std::int64_t figure = 0; figure <= 100; ++figure) {
+        const std::vector<Pixmap> all = icons({figure, figure});
+        for (std::size_t size = 0; size < sizeCount; ++size) {
+            EXPECT_FALSE(inkTouchesTheEdge(all[size])) << figure << " at " << all[size].width;
+            uppers.at(size).push_back(upperHalf(all[size]));
+            lowers.at(size).push_back(lowerHalf(all[size]));
+        }
+    }
+    for (std::size_t upper = 0; upper <= 100; ++upper) {
+        for (std::size_t lower = 0; lower <= 100; ++lower) {
+            const std::vector<Pixmap> all =
+                icons({static_cast<std::int64_t>(upper), static_cast<std::int64_t>(lower)});
+            for (std::size_t size = 0; size < sizeCount; ++size) {
+                ASSERT_EQ(upperHalf(all[size]), uppers.at(size)[upper]) << upper << ' ' << lower;
+                ASSERT_EQ(lowerHalf(all[size]), lowers.at(size)[lower]) << upper << ' ' << lower;
+            }
+        }
+    }
+    for (std::size_t size = 0; size < sizeCount; ++size) {
+        EXPECT_EQ(std::set(uppers.at(size).begin(), uppers.at(size).end()).size(), 101U);
+        EXPECT_EQ(std::set(lowers.at(size).begin(), lowers.at(size).end()).size(), 101U);
+    }
+}
+
+TEST(ItemIcon, drawsNoTwoSingleFiguresAlikeAndNoneTouchingTheEdge) {
+    std::array<std::set<Bytes>, sizeCount> seen;
+    const auto add = [&seen](const std::vector<Pixmap>& all) {
+        for (std::size_t size = 0; size < sizeCount; ++size) {
+            EXPECT_FALSE(inkTouchesTheEdge(all[size])) << all[size].width;
+            EXPECT_TRUE(seen.at(size).insert(all[size].argb).second) << all[size].width;
+        }
+    };
+    add(icons({}));
+    for (std::int64_t figure = 0; figure <= 100; ++figure) {
+        add(icons({figure}));
+    }
+}
+
+TEST(ItemIcon, drawsBothDigitsWholeAndApart) {
+    for (std::int64_t figure = 10; figure < 100; ++figure) {
+        const std::vector<Pixmap> both = icons({figure});
+        const std::vector<Pixmap> tens = icons({figure / 10});
+        const std::vector<Pixmap> ones = icons({figure % 10});
+        for (std::size_t size = 0; size < sizeCount; ++size) {
+            // A clipped digit, or one drawn over the other, would leave less ink.
+            EXPECT_EQ(totalInk(both[size]), totalInk(tens[size]) + totalInk(ones[size])) << figure;
+        }
+    }
+}
+
+TEST(ItemIcon, leavesAGapBetweenTheTwoFigures) {
+    for (const Pixmap& icon : icons({88, 88})) {
+        for (int column = 0; column < icon.width; ++column) {
+            EXPECT_EQ(ink(icon, column, icon.height / 2 - 1), 0) << icon.width;
+            EXPECT_EQ(ink(icon, column, icon.height / 2), 0) << icon.width;
+        }
+    }
+}
+
+TEST(ItemIcon, leavesAGapBetweenTheDigitsOfAHundred) {
+    for (const Pixmap& icon : icons({100, 100})) {
+        std::string inked;
+        for (int column = 0; column < icon.width; ++column) {
+            bool any = false;
+            for (int row = 0; row < icon.height; ++row) {
+                any = any || ink(icon, column, row) != 0;
+            }
+            inked += any ? '#' : '.';
+        }
+        const auto repeated = std::ranges::unique(inked);
+        inked.erase(repeated.begin(), repeated.end());
+        EXPECT_EQ(inked, ".#.#.#.") << icon.width;
+    }
+}
+
+TEST(ItemIcon, leavesTheFirstDigitInPlaceWhenTheLastOneChanges) {
+    const std::vector<Pixmap> before = icons({40, 70});
+    for (std::int64_t last = 1; last <= 9; ++last) {
+        const std::vector<Pixmap> after = icons({40 + last, 70 + last});
+        for (std::size_t size = 0; size < sizeCount; ++size) {
+            const int half = before[size].width / 2;
+            EXPECT_EQ(inkOf(after[size], half), inkOf(before[size], half));
+        }
+    }
+}
+
+} // namespace
+} // namespace vorla
