@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "app/Command.h"
+
+#include "model/Text.h"
+
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+/// Tells the tool that it does not run in a terminal but for us.
+constexpr std::string_view companionVariable = "VORLA_USAGE_COMPANION";
+
+bool isLimited(std::string_view argument) {
+    return argument == "--json" || argument == "--diagnostics-json";
+}
+
+} // namespace
+
+std::shared_ptr<Command>
+Command::create(MainLoop& loop, ProcessLauncher& launcher, const Environment& environment) {
+    return std::make_shared<Command>(
+        Key{}, loop, launcher, environment.with(companionVariable, "1"));
+}
+
+Command::Command(Key, MainLoop& loop, ProcessLauncher& launcher, Environment environment)
+    : loop_(loop), launcher_(launcher), environment_(std::move(environment)) {}
+
+Command::~Command() = default;
+
+void Command::start(const std::string& path, const std::string& argument, Completion completion) {
+    // Before the launch, so that a timer that is refused leaves no child behind.
+    std::unique_ptr<MainLoop::Source> limit;
+    if (isLimited(argument)) {
+        limit = loop_.after(timeLimit, [this] { timeIsUp(); });
+        whenFull_ = StreamCapture::WhenFull::dropNewest;
+    }
+    child_ = launcher_.launch(
+        {.path = path, .argument = argument, .environment = environment_.entries()}, *this);
+    limit_ = std::move(limit);
+    completion_ = std::move(completion);
+    self_ = shared_from_this();
+}
+
+void Command::stop() {
+    limit_.reset();
+    if (child_ == nullptr || !child_->isRunning()) {
+        return;
+    }
+    child_->terminate();
+    killChecks_.push_back(loop_.after(patience, [this] { kill(); }));
+}
+
+void Command::kill() {
+    if (child_ != nullptr) {
+        child_->kill();
+    }
+}
+
+void Command::whenExited(std::function<void()> work) {
+    if (child_ == nullptr || !child_->isRunning()) {
+        work();
+    } else {
+        exitWorks_.push_back(std::move(work));
+    }
+}
+
+void Command::abandon() {
+    const auto alive = std::exchange(self_, nullptr);
+    completion_ = nullptr;
+    onOutput = nullptr;
+    exitWorks_.clear();
+    killChecks_.clear();
+    limit_.reset();
+    child_.reset();
+}
+
+void Command::timeIsUp() {
+    if (child_->isRunning()) {
+        timedOut_ = true;
+        stop();
+    }
+}
+
+void Command::received(ChildProcess::Stream stream, std::string_view bytes) {
+    // The observer may abandon the run.
+    const auto alive = shared_from_this();
+    auto& capture = stream == ChildProcess::Stream::output ? output_ : errors_;
+    const std::size_t kept = capture.append(bytes, whenFull_);
+    if (kept < bytes.size() && !std::exchange(overflowed_, true)) {
+        stop();
+    }
+    if (stream == ChildProcess::Stream::output && kept > 0 && onOutput) {
+        // It may also replace itself.
+        const auto observer = onOutput;
+        observer(output_.text());
+    }
+}
+
+void Command::ended(ChildProcess::Stream stream) {
+    (stream == ChildProcess::Stream::output ? outputEnded_ : errorsEnded_) = true;
+    completeIfEnded();
+}
+
+void Command::exited(int status) {
+    const auto alive = shared_from_this();
+    status_ = status;
+    killChecks_.clear();
+    for (const auto& work : std::exchange(exitWorks_, {})) {
+        work();
+    }
+    completeIfEnded();
+}
+
+void Command::completeIfEnded() {
+    if (self_ == nullptr || !status_ || !outputEnded_ || !errorsEnded_) {
+        return;
+    }
+    const auto alive = std::exchange(self_, nullptr);
+    limit_.reset();
+    child_.reset();
+    const auto completion = std::exchange(completion_, nullptr);
+    CommandResult result{
+        .output = output_.take(),
+        .errors = text::repaired(errors_.take()),
+        .status = *status_,
+        .timedOut = timedOut_};
+    completion(std::move(result));
+}
+
+} // namespace vorla

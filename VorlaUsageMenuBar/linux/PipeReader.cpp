@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#include "linux/PipeReader.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <span>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+FileDescriptor makeCounter(unsigned int start, int flags) {
+    FileDescriptor counter(eventfd(start, flags | EFD_CLOEXEC));
+    if (!counter.isOpen()) {
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+    }
+    return counter;
+}
+
+void addOne(const FileDescriptor& counter) {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = write(counter.number(), &one, sizeof one);
+}
+
+void waitAndTakeOne(const FileDescriptor& counter) {
+    std::uint64_t value = 0;
+    while (read(counter.number(), &value, sizeof value) < 0 && errno == EINTR) {}
+}
+
+/// Waits for something to read; false if there will be nothing because `stop` has been raised.
+bool waitForBytes(const FileDescriptor& pipe, const FileDescriptor& stop) {
+    std::array<pollfd, 2> watched = {
+        pollfd{pipe.number(), POLLIN, 0}, pollfd{stop.number(), POLLIN, 0}};
+    while (poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {}
+    return watched[1].revents == 0;
+}
+
+ssize_t readSome(const FileDescriptor& pipe, std::span<char> buffer) {
+    for (;;) {
+        const auto length = read(pipe.number(), buffer.data(), buffer.size());
+        if (length >= 0 || errno != EINTR) {
+            return length;
+        }
+    }
+}
+
+} // namespace
+
+struct PipeReader::Shared {
+    explicit Shared(Callbacks newCallbacks) : callbacks(std::move(newCallbacks)) {}
+
+    Callbacks callbacks;
+    FileDescriptor stop = makeCounter(0, 0);
+    /// How many more chunks may be on their way to the main thread.
+    FileDescriptor room = makeCounter(maximumWaitingChunks, EFD_SEMAPHORE);
+    /// Main thread only: whether the reader is gone, and with it whoever wants the deliveries.
+    bool closed = false;
+};
+
+PipeReader::PipeReader(MainLoop& loop, FileDescriptor pipe, Callbacks callbacks)
+    : shared_(std::make_shared<Shared>(std::move(callbacks))),
+      thread_([&loop, pipe = std::move(pipe), shared = shared_] { read(loop, pipe, shared); }) {}
+
+PipeReader::~PipeReader() {
+    shared_->closed = true;
+    addOne(shared_->stop);
+    // The thread may be waiting for room and not for the pipe; it looks at `stop` next.
+    addOne(shared_->room);
+}
+
+void PipeReader::read(MainLoop& loop, const FileDescriptor& pipe, std::shared_ptr<Shared> shared) {
+    // On the stack, whose pages the system gets back when the thread ends.
+    std::array<char, chunkBytes> buffer;
+    for (;;) {
+        waitAndTakeOne(shared->room);
+        if (!waitForBytes(pipe, shared->stop)) {
+            return;
+        }
+        const auto length = readSome(pipe, buffer);
+        if (length <= 0) {
+            break;
+        }
+        std::string chunk(buffer.data(), static_cast<std::size_t>(length));
+        loop.post([shared, chunk = std::move(chunk)] {
+            if (!shared->closed) {
+                addOne(shared->room);
+                shared->callbacks.received(chunk);
+            }
+        });
+    }
+    loop.post([shared = std::move(shared)] {
+        if (!shared->closed) {
+            shared->callbacks.ended();
+        }
+    });
+}
+
+} // namespace vorla

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Exits at once with status 5; a child of its own holds the streams open until told to go on.
+#include "Go.h"
+
+#include <cstdio>
+
+int main() {
+    const auto child = fork();
+    if (child < 0) {
+        return 99;
+    }
+    if (child > 0) {
+        return 5;
+    }
+    waitForGo();
+    std::fputs("late", stdout);
+    return 0;
+}

@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: MIT
+#include "linux/EventLoop.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/eventfd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace vorla {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class EventLoopTest : public testing::Test {
+protected:
+    bool runUntil(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + 30s;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end) {
+                return false;
+            }
+            loop->runOnce(100ms);
+        }
+        return true;
+    }
+
+    void runPending() {
+        while (loop->runOnce(0ms)) {}
+    }
+
+    std::optional<EventLoop> loop{std::in_place};
+};
+
+FileDescriptor readableDescriptor() {
+    return FileDescriptor(eventfd(1, EFD_CLOEXEC | EFD_NONBLOCK));
+}
+
+/// Restores which signals are blocked.
+class SignalMask final {
+public:
+    SignalMask() { pthread_sigmask(SIG_SETMASK, nullptr, &before_); }
+
+    ~SignalMask() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+    SignalMask(const SignalMask&) = delete;
+    SignalMask& operator=(const SignalMask&) = delete;
+
+private:
+    sigset_t before_ = {};
+};
+
+} // namespace
+
+TEST_F(EventLoopTest, runsWhatOtherThreadsPostOnItsOwnThreadAndInOrder) {
+    std::vector<int> order;
+    bool onLoopThread = true;
+    const auto loopThread = std::this_thread::get_id();
+    const std::jthread poster([&] {
+        for (int number = 0; number < 1000; ++number) {
+            loop->post([&, number] {
+                order.push_back(number);
+                onLoopThread = onLoopThread && std::this_thread::get_id() == loopThread;
+            });
+        }
+    });
+    ASSERT_TRUE(runUntil([&] { return order.size() == 1000; }));
+    for (int number = 0; number < 1000; ++number) {
+        EXPECT_EQ(order.at(static_cast<std::size_t>(number)), number);
+    }
+    EXPECT_TRUE(onLoopThread);
+}
+
+TEST_F(EventLoopTest, runsWorkThatIsPostedByWorkLater) {
+    std::vector<int> order;
+    loop->post([&] {
+        loop->post([&] { order.push_back(3); });
+        order.push_back(1);
+    });
+    loop->post([&] { order.push_back(2); });
+    EXPECT_TRUE(order.empty());
+    runPending();
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+}
+
+TEST_F(EventLoopTest, releasesPostedWorkBeforeItRunsTheNext) {
+    const auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    long holders = 0;
+    loop->post([copy = std::make_shared<int>(2), held] {});
+    loop->post([&] { holders = watched.use_count(); });
+    runPending();
+    EXPECT_EQ(holders, 1);
+}
+
+TEST_F(EventLoopTest, releasesPostedWorkThatNeverRanTogetherWithWhatThatPosts) {
+    class PostsOnce final {
+    public:
+        PostsOnce(EventLoop& loop, std::shared_ptr<int> held)
+            : loop_(loop), held_(std::move(held)) {}
+
+        ~PostsOnce() {
+            loop_.post([held = held_] {});
+        }
+
+        PostsOnce(const PostsOnce&) = delete;
+        PostsOnce& operator=(const PostsOnce&) = delete;
+
+    private:
+        EventLoop& loop_;
+        std::shared_ptr<int> held_;
+    };
+
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    loop->post([poster = std::make_shared<PostsOnce>(*loop, std::move(held))] {});
+    loop.reset();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(EventLoopTest, firesATimerOnceAndNotBeforeItIsDue) {
+    int calls = 0;
+    const auto start = std::chrono::steady_clock::now();
+    const auto timer = loop->after(20ms, [&] { ++calls; });
+    ASSERT_TRUE(runUntil([&] { return calls > 0; }));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
+    bool laterFired = false;
+    const auto later = loop->after(20ms, [&] { laterFired = true; });
+    ASSERT_TRUE(runUntil([&] { return laterFired; }));
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(EventLoopTest, firesATimerWithoutDelayFromTheLoopAndNotAtOnce) {
+    bool fired = false;
+    const auto timer = loop->after(0ms, [&] { fired = true; });
+    EXPECT_FALSE(fired);
+    EXPECT_TRUE(runUntil([&] { return fired; }));
+}
+
+TEST_F(EventLoopTest, neverFiresATimerThatWasDestroyed) {
+    bool fired = false;
+    bool laterFired = false;
+    auto timer = loop->after(0ms, [&] { fired = true; });
+    const auto later = loop->after(10ms, [&] { laterFired = true; });
+    timer.reset();
+    ASSERT_TRUE(runUntil([&] { return laterFired; }));
+    EXPECT_FALSE(fired);
+}
+
+TEST_F(EventLoopTest, firesARepeatedTimerAgainAndAgain) {
+    int calls = 0;
+    const auto start = std::chrono::steady_clock::now();
+    const auto timer = loop->every(1s, [&] { ++calls; });
+    ASSERT_TRUE(runUntil([&] { return calls == 2; }));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 2s);
+}
+
+TEST_F(EventLoopTest, callsAgainAndAgainWhileSomethingIsReadable) {
+    const auto descriptor = readableDescriptor();
+    int calls = 0;
+    const auto watch = loop->whenReadable(descriptor.number(), [&] {
+        if (++calls == 3) {
+            std::uint64_t value = 0;
+            EXPECT_EQ(read(descriptor.number(), &value, sizeof value), 8);
+        }
+    });
+    runPending();
+    EXPECT_EQ(calls, 3);
+}
+
+TEST_F(EventLoopTest, callsWhenTheOtherEndHasHungUp) {
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const FileDescriptor readEnd(ends[0]);
+    FileDescriptor writeEnd(ends[1]);
+    std::unique_ptr<MainLoop::Source> watch;
+    bool called = false;
+    watch = loop->whenReadable(readEnd.number(), [&] {
+        called = true;
+        watch.reset();
+    });
+    runPending();
+    EXPECT_FALSE(called);
+    writeEnd.close();
+    EXPECT_TRUE(runUntil([&] { return called; }));
+}
+
+TEST_F(EventLoopTest, refusesADescriptorThatIsNotOpen) {
+    EXPECT_THROW(static_cast<void>(loop->whenReadable(-1, [] {})), std::system_error);
+    EXPECT_THROW(static_cast<void>(loop->whenReadable(1'000'000, [] {})), std::system_error);
+}
+
+TEST_F(EventLoopTest, letsEachSourceBeDestroyedFromItsOwnCallback) {
+    const SignalMask mask;
+    const auto descriptor = readableDescriptor();
+    std::unique_ptr<MainLoop::Source> source;
+    int calls = 0;
+    // It holds something, so that a callback that is used after its end is noticed.
+    const auto work = [&, held = std::make_shared<int>(1)] {
+        source.reset();
+        calls += *held;
+    };
+    const std::vector<std::function<void()>> makers = {
+        [&] { source = loop->after(0ms, work); }, [&] { source = loop->every(1s, work); },
+        [&] { source = loop->whenReadable(descriptor.number(), work); },
+        [&] {
+            source = std::move(loop->onSignals({SIGUSR1}, work).front());
+            kill(getpid(), SIGUSR1);
+        }};
+    int expected = 0;
+    for (const auto& make : makers) {
+        make();
+        ++expected;
+        ASSERT_TRUE(runUntil([&] { return calls == expected; }));
+        runPending();
+        EXPECT_EQ(calls, expected);
+    }
+}
+
+TEST_F(EventLoopTest, callsForEachOfItsSignals) {
+    const SignalMask mask;
+    int calls = 0;
+    const auto sources = loop->onSignals({SIGUSR1, SIGUSR2}, [&] { ++calls; });
+    EXPECT_EQ(sources.size(), 2U);
+    kill(getpid(), SIGUSR1);
+    ASSERT_TRUE(runUntil([&] { return calls == 1; }));
+    kill(getpid(), SIGUSR2);
+    ASSERT_TRUE(runUntil([&] { return calls == 2; }));
+}
+
+TEST_F(EventLoopTest, refusesANumberThatIsNoSignal) {
+    const SignalMask mask;
+    EXPECT_THROW(static_cast<void>(loop->onSignals({100'000}, [] {})), std::system_error);
+}
+
+TEST_F(EventLoopTest, runsUntilItIsToldToExitAndReturnsTheStatus) {
+    std::vector<int> order;
+    loop->post([&] {
+        order.push_back(1);
+        loop->exit(7);
+    });
+    EXPECT_EQ(loop->run(), 7);
+    EXPECT_EQ(order, std::vector<int>{1});
+}
+
+TEST_F(EventLoopTest, saysThatNothingHappened) {
+    EXPECT_FALSE(loop->runOnce(0ms));
+    loop->post([] {});
+    EXPECT_TRUE(loop->runOnce(0ms));
+    EXPECT_FALSE(loop->runOnce(0ms));
+}
+
+} // namespace vorla
