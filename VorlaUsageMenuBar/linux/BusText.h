@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Text as panels get to see it: valid UTF-8 without NUL, which the bus would refuse, and of
+/// bounded length. Line breaks stay.
+namespace vorla {
+
+/// For a menu label: `_` doubled, since a single one would mark the next letter as a mnemonic, and
+/// each tab a space, since some panels take what follows a tab for a shortcut. At most 4,096 bytes,
+/// in whole characters.
+std::string menuLabel(std::string_view text);
+
+/// For the title: the same bounds, but nothing doubled.
+std::string plainLabel(std::string_view text);
+
+/// For the tooltip: also without `&`, `<` and `>`. Some panels parse it as markup, others would
+/// show escapes as they stand.
+std::string toolTipText(std::string_view text);
+
+} // namespace vorla

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "linux/StatusNotifierItem.h"
+
+#include "linux/BusText.h"
+
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+constexpr const char* interfaceName = "org.kde.StatusNotifierItem";
+/// Some panels open the menu on a left click only for items below /org/ayatana/NotificationItem/.
+constexpr const char* itemPath = "/org/ayatana/NotificationItem/VorlaUsageMenuBar";
+constexpr const char* menuPath = "/org/ayatana/NotificationItem/VorlaUsageMenuBar/Menu";
+constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
+/// The widest title, so that a panel which reserves room for it keeps its other items in place.
+constexpr const char* titleGuide = "5h 100% · W 100%";
+
+constexpr std::chrono::seconds activationTokenLife{10};
+constexpr std::size_t longestActivationToken = 1024;
+constexpr std::chrono::seconds registrationLimit{25};
+
+/// An icon's name, its pixels, title and body.
+using ToolTip = std::tuple<std::string, std::vector<Pixmap>, std::string, std::string>;
+
+} // namespace
+
+namespace bus {
+
+template <>
+struct Codec<Pixmap> {
+    static std::string signature() { return "(iiay)"; }
+
+    static void write(Message& message, const Pixmap& pixmap) {
+        message.openContainer('r', "iiay");
+        message.write<std::int32_t, std::int32_t>(pixmap.width, pixmap.height);
+        message.write(pixmap.argb);
+        message.closeContainer();
+    }
+};
+
+} // namespace bus
+
+StatusNotifierItem::StatusNotifierItem(bus::Bus& bus, MainLoop& loop)
+    : bus_(bus), loop_(loop), menu_(bus, loop, menuPath),
+      object_(bus::exportObject(bus, itemPath, interface())) {
+    const bus::SignalRule rule = {
+        .sender = "org.freedesktop.DBus",
+        .path = "/org/freedesktop/DBus",
+        .interface = "org.freedesktop.DBus",
+        .member = "NameOwnerChanged",
+        .firstArgument = watcherName};
+    watcherChanges_ = bus.subscribe(rule, [this](bus::Message& message) {
+        message.read<std::string>();
+        message.read<std::string>();
+        const auto newOwner = message.read<std::string>();
+        if (!newOwner.empty() && !icons_.empty()) {
+            registerItem();
+        }
+    });
+}
+
+bus::Interface StatusNotifierItem::interface() {
+    bus::Interface result(interfaceName);
+    result.method("ProvideXdgActivationToken", [this](const std::string& token) {
+        keepActivationToken(token);
+    });
+    result.property("Category", [] { return std::string("ApplicationStatus"); });
+    result.property("Id", [] { return std::string("VorlaUsageMenuBar"); });
+    result.property("Title", [this] { return title_; });
+    result.property("Status", [] { return std::string("Active"); });
+    result.property("IconPixmap", [this] { return icons_; });
+    result.property("ToolTip", [this] { return ToolTip{"", {}, toolTipText(title_), ""}; });
+    result.property("ItemIsMenu", [] { return true; });
+    result.property("Menu", [] { return bus::ObjectPath{menuPath}; });
+    result.property("XAyatanaLabel", [this] { return title_; });
+    result.property("XAyatanaLabelGuide", [] { return std::string(titleGuide); });
+    addUnusedProperties(result);
+    result.signal("NewTitle");
+    result.signal("NewIcon");
+    result.signal("NewToolTip");
+    result.signal<std::string, std::string>("XAyatanaNewLabel");
+    return result;
+}
+
+// Panels ask for them all the same.
+void StatusNotifierItem::addUnusedProperties(bus::Interface& interface) {
+    for (const char* const name :
+         {"IconName", "IconThemePath", "OverlayIconName", "AttentionIconName",
+          "AttentionMovieName"}) {
+        interface.property(name, [] { return std::string{}; });
+    }
+    for (const char* const name : {"OverlayIconPixmap", "AttentionIconPixmap"}) {
+        interface.property(name, [] { return std::vector<Pixmap>{}; });
+    }
+    interface.property("WindowId", [] { return std::int32_t{0}; });
+    interface.property("XAyatanaOrderingIndex", [] { return std::uint32_t{0}; });
+}
+
+void StatusNotifierItem::show(const StatusMenu& menu) {
+    const bool isFirst = icons_.empty();
+    menu_.show(menu.lines);
+    showTitle(plainLabel(menu.title));
+    showFigures(menu.figures);
+    if (isFirst) {
+        registerItem();
+    }
+}
+
+void StatusNotifierItem::showTitle(const std::string& title) {
+    if (title == title_) {
+        return;
+    }
+    title_ = title;
+    // Each panel listens to others of these, and reads nothing anew at PropertiesChanged.
+    bus_.emit(itemPath, interfaceName, "XAyatanaNewLabel", title_, std::string(titleGuide));
+    bus_.emit(itemPath, interfaceName, "NewTitle");
+    bus_.emit(itemPath, interfaceName, "NewToolTip");
+}
+
+void StatusNotifierItem::showFigures(const std::vector<std::int64_t>& figures) {
+    if (figures == figures_ && !icons_.empty()) {
+        return;
+    }
+    figures_ = figures;
+    icons_ = figureIcons(figures_);
+    bus_.emit(itemPath, interfaceName, "NewIcon");
+}
+
+/// A panel that does not answer, or none at all, is no failure: the next one gets its own call.
+void StatusNotifierItem::registerItem() {
+    const bus::MethodName method = {
+        watcherName, "/StatusNotifierWatcher", watcherName, "RegisterStatusNotifierItem"};
+    try {
+        registration_ =
+            bus_.call(method, registrationLimit, [](const bus::Reply<>&) {}, std::string(itemPath));
+    } catch (const std::system_error&) {
+        // The bus is gone, and with it the panel.
+        registration_.reset();
+    }
+}
+
+void StatusNotifierItem::keepActivationToken(const std::string& token) {
+    if (token.empty() || token.size() > longestActivationToken) {
+        return;
+    }
+    activationToken_ = token;
+    activationTokenLimit_ = loop_.after(activationTokenLife, [this] { activationToken_.reset(); });
+}
+
+std::optional<std::string> StatusNotifierItem::takeActivationToken() {
+    activationTokenLimit_.reset();
+    return std::exchange(activationToken_, std::nullopt);
+}
+
+} // namespace vorla

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "linux/DbusMenu.h"
+#include "linux/ItemIcon.h"
+
+namespace vorla {
+
+/// The item in the panel, as org.kde.StatusNotifierItem with a menu. Main thread.
+///
+/// It registers with whatever panel there is as soon as it has something to show, and again with
+/// each panel that comes later. It has no click actions of its own, neither Activate nor any other:
+/// panels that find one delay the menu or do not open it at all.
+class StatusNotifierItem final : public StatusItem {
+public:
+    /// Throws std::system_error if the bus refuses the objects.
+    StatusNotifierItem(bus::Bus& bus, MainLoop& loop);
+
+    void setListener(Listener* listener) override { menu_.setListener(listener); }
+
+    void show(const StatusMenu& menu) override;
+    std::optional<std::string> takeActivationToken() override;
+
+private:
+    bus::Interface interface();
+    void addUnusedProperties(bus::Interface& interface);
+    void showTitle(const std::string& title);
+    void showFigures(const std::vector<std::int64_t>& figures);
+    void registerItem();
+    void keepActivationToken(const std::string& token);
+
+    bus::Bus& bus_;
+    MainLoop& loop_;
+    std::string title_;
+    std::vector<std::int64_t> figures_;
+    /// Empty until the first show(): the item is not complete before.
+    std::vector<Pixmap> icons_;
+    std::optional<std::string> activationToken_;
+    std::unique_ptr<MainLoop::Source> activationTokenLimit_;
+    DbusMenu menu_;
+    bus::Slot object_;
+    bus::Slot watcherChanges_;
+    bus::Slot registration_;
+};
+
+} // namespace vorla
