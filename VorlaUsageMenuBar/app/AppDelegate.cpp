@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+constexpr auto loadingText = "Loading Vorla usage…";
+
+} // namespace
+
+AppDelegate::AppDelegate(Platform platform) : platform_(std::move(platform)) {
+    state_.error = loadingText;
+}
+
+AppDelegate::~AppDelegate() {
+    platform_.statusItem.setListener(nullptr);
+    for (const auto& command : commands()) {
+        if (command != nullptr) {
+            command->abandon();
+        }
+    }
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    platform_.statusItem.setListener(this);
+    rebuildMenu();
+    refresh();
+    timer_ = platform_.loop.every(refreshInterval, [this] { refresh(); });
+}
+
+void AppDelegate::rebuildMenu() {
+    state_.refreshing = refreshCommand_ != nullptr;
+    state_.copyingDiagnostic = diagnosticCommand_ != nullptr;
+    platform_.statusItem.show(composeMenu(state_, platform_.clock.now()));
+}
+
+void AppDelegate::menuWillOpen() {
+    rebuildMenu();
+}
+
+void AppDelegate::chosen(MenuAction action) {
+    switch (action) {
+    case MenuAction::refresh:
+        refresh();
+        return;
+    case MenuAction::quit:
+        applicationShouldTerminate();
+        return;
+    case MenuAction::openDashboard:
+    case MenuAction::openFennic:
+    case MenuAction::toggleLaunchAtLogin:
+    case MenuAction::toggleQuotaNotifications:
+    case MenuAction::copyDiagnosticSnapshot:
+        rebuildMenu();
+        return;
+    case MenuAction::none:
+        return;
+    }
+}
+
+std::array<std::shared_ptr<Command>, 3> AppDelegate::commands() const {
+    return {refreshCommand_, dashboardCommand_, diagnosticCommand_};
+}
+
+void AppDelegate::applicationShouldTerminate() {
+    if (quitting_) {
+        return;
+    }
+    quitting_ = true;
+    timer_.reset();
+    for (const auto& command : commands()) {
+        if (command != nullptr) {
+            command->stop();
+        }
+    }
+    // The one more is for this function itself, so that no answer comes before it has returned.
+    childrenToWaitFor_ = 1;
+    const auto oneLess = [this] {
+        if (--childrenToWaitFor_ == 0) {
+            replyToTerminate();
+        }
+    };
+    for (const auto& command : commands()) {
+        if (command != nullptr) {
+            ++childrenToWaitFor_;
+            command->whenExited(oneLess);
+        }
+    }
+    terminationTimer_ = platform_.loop.after(terminationLimit, [this] { replyToTerminate(); });
+    platform_.loop.post(oneLess);
+}
+
+void AppDelegate::terminateAtOnce() {
+    applicationShouldTerminate();
+    for (const auto& command : commands()) {
+        if (command != nullptr) {
+            command->kill();
+        }
+    }
+    replyToTerminate();
+}
+
+void AppDelegate::replyToTerminate() {
+    if (!std::exchange(replied_, true)) {
+        platform_.replyToTerminate();
+    }
+}
+
+} // namespace vorla

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/Command.h"
+#include "app/CompanionLookup.h"
+#include "model/SessionPaceTracker.h"
+#include "model/StatusMenu.h"
+#include "ports/Clock.h"
+#include "ports/MainLoop.h"
+#include "ports/ProcessLauncher.h"
+#include "ports/StatusItem.h"
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace vorla {
+
+/// What the application runs on.
+struct Platform {
+    MainLoop& loop;
+    const Clock& clock;
+    StatusItem& statusItem;
+    ProcessLauncher& launcher;
+    CompanionPlaces companionPlaces;
+    /// Called once when the application may end: its children have.
+    std::function<void()> replyToTerminate;
+};
+
+/// The application: the one owner of all its state. Main thread only.
+///
+/// Everything that a user sees leaves through rebuildMenu(). A `Command` that is present is a run
+/// in flight and blocks a second one; its completion clears it.
+class AppDelegate final : StatusItem::Listener {
+public:
+    static constexpr std::chrono::seconds refreshInterval{60};
+    /// A session that ends kills what is left five seconds after it asked. By then a child that
+    /// ignores the request has been killed for a second and a half; one that still stands cannot
+    /// be.
+    static constexpr std::chrono::milliseconds terminationLimit{4500};
+
+    explicit AppDelegate(Platform platform);
+    ~AppDelegate() override;
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+
+    /// Shows the first menu, starts the first refresh and the timer. Call once.
+    void applicationDidFinishLaunching();
+
+    /// Starts one "--json" run, unless one is in flight or the application is quitting.
+    void refresh();
+
+    /// Stops all children and calls replyToTerminate when they have ended, or when the limit is up.
+    /// From then on nothing that arrives late changes anything.
+    void applicationShouldTerminate();
+
+    /// Kills all children and calls replyToTerminate: for a second request to end.
+    void terminateAtOnce();
+
+    bool isQuitting() const { return quitting_; }
+
+private:
+    void menuWillOpen() override;
+    void chosen(MenuAction action) override;
+
+    void rebuildMenu();
+    void refreshFinished(const CommandResult& result);
+    void refreshFailed(std::string error);
+    void adopt(Usage usage);
+
+    std::array<std::shared_ptr<Command>, 3> commands() const;
+    void replyToTerminate();
+
+    Platform platform_;
+    MenuState state_;
+    SessionPaceTracker paceTracker_;
+    std::unique_ptr<MainLoop::Source> timer_;
+    std::shared_ptr<Command> refreshCommand_;
+    std::shared_ptr<Command> dashboardCommand_;
+    std::shared_ptr<Command> diagnosticCommand_;
+    bool quitting_ = false;
+    std::unique_ptr<MainLoop::Source> terminationTimer_;
+    std::size_t childrenToWaitFor_ = 0;
+    bool replied_ = false;
+};
+
+} // namespace vorla

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+
+#include "model/Json.h"
+#include "model/Text.h"
+
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+constexpr auto missingText = "vorla-usage missing. Install in ~/.local/bin or PATH, then Refresh.";
+constexpr auto cannotRunText = "Cannot run vorla-usage: ";
+constexpr auto timedOutText = "vorla-usage timed out. Try Refresh.";
+constexpr auto invalidText = "Invalid JSON from vorla-usage. Install v0.5 or newer, then Refresh.";
+constexpr std::size_t errorCharacters = 300;
+
+std::string failureText(const CommandResult& result) {
+    const auto errors = text::trimmed(result.errors);
+    if (!errors.empty()) {
+        return std::string(text::firstCharacters(errors, errorCharacters));
+    }
+    return "vorla-usage failed (" + std::to_string(result.status) + "). Try it in Terminal.";
+}
+
+} // namespace
+
+void AppDelegate::refresh() {
+    if (refreshCommand_ != nullptr || quitting_) {
+        return;
+    }
+    const auto path = findCompanion(platform_.companionPlaces);
+    if (!path) {
+        refreshFailed(missingText);
+        return;
+    }
+    refreshCommand_ =
+        Command::create(platform_.loop, platform_.launcher, platform_.companionPlaces.environment);
+    rebuildMenu();
+    try {
+        refreshCommand_->start(
+            *path, "--json", [this](const CommandResult& result) { refreshFinished(result); });
+    } catch (const std::system_error& error) {
+        refreshCommand_.reset();
+        refreshFailed(cannotRunText + error.code().message());
+    }
+}
+
+void AppDelegate::refreshFinished(const CommandResult& result) {
+    if (quitting_) {
+        return;
+    }
+    refreshCommand_.reset();
+    if (result.timedOut) {
+        refreshFailed(timedOutText);
+    } else if (result.status != 0) {
+        refreshFailed(failureText(result));
+    } else {
+        try {
+            adopt(Usage::decode(result.output));
+        } catch (const DecodeError&) {
+            refreshFailed(invalidText);
+        }
+    }
+}
+
+void AppDelegate::refreshFailed(std::string error) {
+    state_.usage.reset();
+    state_.error = std::move(error);
+    rebuildMenu();
+}
+
+void AppDelegate::adopt(Usage usage) {
+    // Estimates come from a copy, so that a snapshot that is refused leaves no trace in the
+    // history.
+    auto tracker = paceTracker_;
+    auto pace = tracker.observe(usage);
+    if (!textsCanHold(usage, pace)) {
+        refreshFailed(invalidText);
+        return;
+    }
+    paceTracker_ = std::move(tracker);
+    state_.pace = std::move(pace);
+    state_.usage = std::move(usage);
+    state_.error.reset();
+    rebuildMenu();
+}
+
+} // namespace vorla

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeLauncher.h"
+#include "fakes/FakeStatusItem.h"
+#include "fakes/ManualLoop.h"
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+namespace vorla {
+
+/// The whole application without a desktop: the test plays companion, panel and time.
+class Application {
+public:
+    Application() { make(); }
+
+    /// Makes a fresh delegate that finds the companion, or does not.
+    void make(const std::string& executable = "/bin/true") {
+        delegate = std::make_unique<AppDelegate>(Platform{
+            .loop = loop,
+            .clock = clock,
+            .statusItem = item,
+            .launcher = launcher,
+            .companionPlaces =
+                {.environment = Environment({"VORLA_USAGE_EXECUTABLE=" + executable}),
+                 .homeDirectory = "/nonexistent",
+                 .resourcesDirectory = std::nullopt},
+            .replyToTerminate = [this] { ++replies; },
+        });
+    }
+
+    void launch() { delegate->applicationDidFinishLaunching(); }
+
+    /// Chooses a line of the menu as a panel would: only if it is there and enabled.
+    bool choose(LineRole role) {
+        const auto line = item.line(role);
+        if (!line || !line->enabled || item.listener == nullptr) {
+            return false;
+        }
+        item.listener->chosen(line->action);
+        return true;
+    }
+
+    /// The companion of the last run prints `output` and exits with `status`.
+    void finishRun(const std::string& output, int status = 0, const std::string& errors = "") {
+        auto& child = launcher.last();
+        if (!output.empty()) {
+            child.print(output);
+        }
+        if (!errors.empty()) {
+            child.printError(errors);
+        }
+        child.finish(status);
+    }
+
+    std::string errorLine() const { return item.text(LineRole::error); }
+
+    ManualLoop loop;
+    FakeClock clock;
+    FakeStatusItem item;
+    FakeLauncher launcher;
+    int replies = 0;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+inline std::string snapshotNamed(const std::string& name) {
+    std::ifstream file(VORLA_TEST_DATA "/snapshots/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace vorla
