@@ -12,8 +12,7 @@ class FileDescriptor final {
 public:
     FileDescriptor() = default;
     explicit FileDescriptor(int number) : number_(number) {}
-    FileDescriptor(FileDescriptor&& other) noexcept
-        : number_(std::exchange(other.number_, -1)) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     FileDescriptor& operator=(FileDescriptor&& other) noexcept {
         std::swap(number_, other.number_);
         return *this;

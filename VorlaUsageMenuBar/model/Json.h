@@ -49,8 +49,9 @@ inline constexpr std::size_t maximumJsonValues = 4'194'304;
 
 /// Parses one whole document of UTF-8 JSON; a leading byte order mark is accepted (RFC 8259, 8.1).
 ///
-/// Throws DecodeError for everything that is not exactly one JSON value: malformed text or UTF-8, NUL
-/// bytes, trailing text, a number beyond the range of a double, and anything past the two maxima.
+/// Throws DecodeError for everything that is not exactly one JSON value: malformed text or UTF-8,
+/// NUL bytes, trailing text, a number beyond the range of a double, and anything past the two
+/// maxima.
 JsonValue parseJson(std::string_view bytes);
 
 } // namespace vorla

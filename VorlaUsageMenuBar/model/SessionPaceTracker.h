@@ -25,9 +25,9 @@ struct PaceEstimate {
 /// Estimates by window length in minutes.
 using PaceEstimates = std::map<std::int64_t, PaceEstimate>;
 
-/// Remembers, across snapshots, where each main window stood when its current period was first seen,
-/// and derives burn rates from that. Lives in memory only; a plain value that may be copied. Not
-/// synchronised.
+/// Remembers, across snapshots, where each main window stood when its current period was first
+/// seen, and derives burn rates from that. Lives in memory only; a plain value that may be copied.
+/// Not synchronised.
 class SessionPaceTracker final {
 public:
     /// Counts one snapshot and returns an estimate for each of its main windows. Of two windows of

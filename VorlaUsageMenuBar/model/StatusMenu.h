@@ -62,8 +62,8 @@ enum class LineRole {
     quit,
 };
 
-/// Which line this is, whatever it says at the moment. Identities of one menu are unique, and ordered
-/// as the lines are.
+/// Which line this is, whatever it says at the moment. Identities of one menu are unique, and
+/// ordered as the lines are.
 struct LineIdentity {
     LineRole role = LineRole::error;
     /// The place of the bucket among those shown, from 0; only for `bucket` and `bucketWindow`.
@@ -90,7 +90,8 @@ struct MenuLine {
     bool operator==(const MenuLine&) const = default;
 };
 
-/// Everything that the status item shows: a value, compared with the last one before anything is sent.
+/// Everything that the status item shows: a value, compared with the last one before anything is
+/// sent.
 struct StatusMenu {
     std::string title;
     /// The remaining percentages in the title, in its order, for an icon that holds only figures.

@@ -7,8 +7,8 @@
 
 namespace vorla {
 
-/// The one thread that owns all state, seen from the application; a port, because tests drive time by
-/// hand. All callbacks run on the main thread, one after another, and must not throw.
+/// The one thread that owns all state, seen from the application; a port, because tests drive time
+/// by hand. All callbacks run on the main thread, one after another, and must not throw.
 class MainLoop {
 public:
     /// A timer or a watch; destroying it ends it, also from inside its own callback.
@@ -28,8 +28,8 @@ public:
     after(std::chrono::milliseconds delay, std::function<void()> work) = 0;
 
     /// Calls `work` again and again, up to a second late so that it wakes together with others. The
-    /// interval passes while the machine sleeps (CLOCK_BOOTTIME): what fell due is caught up on with
-    /// one call after it wakes.
+    /// interval passes while the machine sleeps (CLOCK_BOOTTIME): what fell due is caught up on
+    /// with one call after it wakes.
     [[nodiscard]] virtual std::unique_ptr<Source>
     every(std::chrono::seconds interval, std::function<void()> work) = 0;
 

@@ -51,9 +51,9 @@ class ProcessLauncher {
 public:
     virtual ~ProcessLauncher() = default;
 
-    /// Starts the child with the null device as standard input, no other descriptor of ours, default
-    /// signal handling and an empty signal mask. Throws std::system_error if it cannot be started.
-    /// `listener` must outlive the child.
+    /// Starts the child with the null device as standard input, no other descriptor of ours,
+    /// default signal handling and an empty signal mask. Throws std::system_error if it cannot be
+    /// started. `listener` must outlive the child.
     virtual std::unique_ptr<ChildProcess>
     launch(const LaunchRequest& request, ChildProcess::Listener& listener) = 0;
 };

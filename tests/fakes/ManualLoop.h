@@ -66,8 +66,7 @@ public:
 
     /// Handles what has already happened, without waiting.
     void runPending() {
-        while (loop_.runOnce(std::chrono::milliseconds{0})) {
-        }
+        while (loop_.runOnce(std::chrono::milliseconds{0})) {}
     }
 
     /// How many timers are still to fire.
