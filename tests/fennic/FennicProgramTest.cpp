@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "model/FennicSeam.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace vorla {
+
+namespace {
+
+constexpr int waitLimitMilliseconds = 60000;
+
+/// The program itself, without a display.
+class Program final {
+public:
+    Program() {
+        process.start(VORLA_FENNIC_PROGRAM, QStringList());
+        EXPECT_TRUE(process.waitForStarted(waitLimitMilliseconds));
+    }
+
+    ~Program() {
+        process.kill();
+        process.waitForFinished(waitLimitMilliseconds);
+    }
+
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    void send(std::string_view text) {
+        process.write(text.data(), static_cast<qint64>(text.size()));
+    }
+
+    /// The exit status once the program has ended; -1 if it crashed.
+    int wait() {
+        EXPECT_TRUE(QTest::qWaitFor(
+            [this] { return process.state() == QProcess::NotRunning; }, waitLimitMilliseconds));
+        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    std::string standardOutput() { return process.readAllStandardOutput().toStdString(); }
+
+    std::string standardError() { return process.readAllStandardError().toStdString(); }
+
+    QProcess process;
+};
+
+} // namespace
+
+TEST(FennicProgram, saysThatItClosesWhenItsInputEndsAndSucceeds) {
+    Program program;
+    program.send(FennicOpening{}.encode().value());
+    program.process.closeWriteChannel();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.standardOutput(), "closing\n");
+}
+
+TEST(FennicProgram, takesLaterLinesWhateverTheySayAndStaysOpen) {
+    Program program;
+    program.send(FennicOpening{.quota = {}, .activationToken = "token"}.encode().value());
+    program.send(FennicRaise{}.encode());
+    program.send(FennicRaise{.activationToken = "token"}.encode());
+    program.send("nonsense\n\n[]\n" + std::string(2 * maximumFennicSeamLine, 'x') + "\n");
+    program.process.closeWriteChannel();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.standardOutput(), "closing\n");
+}
+
+TEST(FennicProgram, doesNotOpenWithoutASummary) {
+    for (const char* line : {"", "{}\n", "nonsense\n", "{\"quota\":{}}"}) {
+        Program program;
+        program.send(line);
+        program.process.closeWriteChannel();
+        EXPECT_EQ(program.wait(), 1) << line;
+        EXPECT_EQ(program.standardOutput(), "") << line;
+        EXPECT_EQ(
+            program.standardError(),
+            "VorlaUsageFennic is opened from the menu of VorlaUsageMenuBar.\n")
+            << line;
+    }
+}
+
+TEST(FennicProgram, succeedsEvenIfNobodyHearsThatItCloses) {
+    Program program;
+    program.send(FennicOpening{}.encode().value());
+    program.process.closeReadChannel(QProcess::StandardOutput);
+    program.process.closeWriteChannel();
+    EXPECT_EQ(program.wait(), 0);
+}
+
+} // namespace vorla
