@@ -3,6 +3,7 @@
 
 #include "model/Text.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace vorla {
@@ -16,6 +17,24 @@ constexpr std::size_t sufficientBytes = maximumBytes + 4;
 
 enum class Underscores { kept, doubled };
 
+constexpr std::string_view replacement = "\uFFFD";
+
+/// The length of the noncharacter (The Unicode Standard, 23.7) that well-formed `text` starts with,
+/// or 0.
+std::size_t noncharacterLength(std::string_view text) {
+    const auto byte = [&](std::size_t index) {
+        return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
+    };
+    const auto endsAPlane = [&](std::size_t index) {
+        return byte(index) == 0xBFU && byte(index + 1) >= 0xBEU;
+    };
+    if (byte(0) == 0xEFU) {
+        const bool isInBlock = byte(1) == 0xB7U && byte(2) >= 0x90U && byte(2) <= 0xAFU;
+        return isInBlock || (byte(1) == 0xBFU && endsAPlane(1)) ? 3 : 0;
+    }
+    return byte(0) >= 0xF0U && (byte(1) & 0x0FU) == 0x0FU && endsAPlane(2) ? 4 : 0;
+}
+
 std::string transcribed(std::string_view text, Underscores underscores) {
     std::string result;
     for (const char byte : text) {
@@ -28,14 +47,36 @@ std::string transcribed(std::string_view text, Underscores underscores) {
             result.push_back(byte == '\t' ? ' ' : byte);
         }
     }
-    return text::repaired(result);
+    return busText(result);
 }
 
 std::string_view fitting(std::string_view label) {
     return text::fittingCharacters(label, maximumBytes);
 }
 
+/// A line that says something must not look empty, although none of what it says can be shown.
+std::string orReplacement(std::string_view label, std::string_view text) {
+    return std::string(label.empty() && !text.empty() ? replacement : label);
+}
+
 } // namespace
+
+std::string busText(std::string_view text) {
+    const std::string repaired = text::repaired(text);
+    std::string result;
+    result.reserve(repaired.size());
+    for (std::size_t position = 0; position < repaired.size();) {
+        const std::size_t length = noncharacterLength(std::string_view(repaired).substr(position));
+        if (length > 0) {
+            result.append(replacement);
+            position += length;
+        } else {
+            result.push_back(repaired[position++]);
+        }
+    }
+    std::erase(result, '\0');
+    return result;
+}
 
 std::string menuLabel(std::string_view text) {
     const std::string label = transcribed(text, Underscores::doubled);
@@ -47,11 +88,11 @@ std::string menuLabel(std::string_view text) {
     if (underscores % 2 == 1) {
         cut.remove_suffix(1);
     }
-    return std::string(cut);
+    return orReplacement(cut, text);
 }
 
 std::string plainLabel(std::string_view text) {
-    return std::string(fitting(transcribed(text, Underscores::kept)));
+    return orReplacement(fitting(transcribed(text, Underscores::kept)), text);
 }
 
 std::string toolTipText(std::string_view text) {

@@ -4,9 +4,13 @@
 #include <string>
 #include <string_view>
 
-/// Text as panels get to see it: valid UTF-8 without NUL, which the bus would refuse, and of
-/// bounded length. Line breaks stay.
+/// Text as panels get to see it: of a form that the bus takes, and of bounded length. Line breaks
+/// stay. A text that is not empty never becomes so: U+FFFD stands for one that cannot be shown.
 namespace vorla {
+
+/// What the bus library takes: well-formed UTF-8 without NUL and, stricter than the protocol,
+/// without noncharacters such as U+FFFF, which become U+FFFD. Not bounded.
+std::string busText(std::string_view text);
 
 /// For a menu label: `_` doubled, since a single one would mark the next letter as a mnemonic, and
 /// each tab a space, since some panels take what follows a tab for a shortcut. At most 4,096 bytes,

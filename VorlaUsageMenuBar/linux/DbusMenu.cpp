@@ -12,6 +12,8 @@ constexpr const char* interfaceName = "com.canonical.dbusmenu";
 constexpr std::uint32_t protocolVersion = 3;
 constexpr std::int32_t root = 0;
 constexpr std::chrono::seconds longestOpening{10};
+/// A panel sends a few at most; each opening of the root takes a whole new menu.
+constexpr std::size_t maximumGroupedEvents = 100;
 
 const bus::Dictionary& rootProperties() {
     static const bus::Dictionary properties = {{"children-display", "submenu"}};
@@ -73,13 +75,14 @@ void DbusMenu::addQueries(bus::Interface& interface) {
 void DbusMenu::addEvents(bus::Interface& interface) {
     interface.method(
         "Event",
-        [this](std::int32_t id, const std::string& kind, const bus::Variant&, std::uint32_t) {
-            event(id, kind);
+        [this](std::int32_t id, const std::string& kind, const bus::Variant&, std::uint32_t time) {
+            event(id, kind, time);
         });
     interface.method(
         "EventGroup", [this](const std::vector<Event>& events) { return eventGroup(events); });
     interface.method("AboutToShow", [this](std::int32_t id) { return aboutToShow(id); });
-    interface.method("AboutToShowGroup", [this](const Ids& ids) { return aboutToShowGroup(ids); });
+    interface.method(
+        "AboutToShowGroup", [this](Ids ids) { return aboutToShowGroup(std::move(ids)); });
 }
 
 void DbusMenu::show(std::span<const MenuLine> lines) {
@@ -168,7 +171,11 @@ bool DbusMenu::aboutToShow(std::int32_t id) {
     return menu_.revision() != before;
 }
 
-std::tuple<DbusMenu::Ids, DbusMenu::Ids> DbusMenu::aboutToShowGroup(const Ids& ids) {
+std::tuple<DbusMenu::Ids, DbusMenu::Ids> DbusMenu::aboutToShowGroup(Ids ids) {
+    // Each once, however often it is named: the root's answer takes a whole new menu.
+    std::ranges::sort(ids);
+    const auto repeated = std::ranges::unique(ids);
+    ids.erase(repeated.begin(), repeated.end());
     Ids changed;
     Ids unknown;
     for (const auto id : ids) {
@@ -181,7 +188,7 @@ std::tuple<DbusMenu::Ids, DbusMenu::Ids> DbusMenu::aboutToShowGroup(const Ids& i
     return {std::move(changed), std::move(unknown)};
 }
 
-void DbusMenu::event(std::int32_t id, const std::string& kind) {
+void DbusMenu::event(std::int32_t id, const std::string& kind, std::uint32_t time) {
     if (id == root) {
         rootEvent(kind);
         return;
@@ -192,15 +199,20 @@ void DbusMenu::event(std::int32_t id, const std::string& kind) {
     }
     const bool canBeChosen = line->visible && line->enabled && line->action != MenuAction::none;
     if (kind == "clicked" && canBeChosen && listener_ != nullptr) {
+        choiceTime_ = time;
         listener_->chosen(line->action);
+        choiceTime_ = 0;
     }
 }
 
 DbusMenu::Ids DbusMenu::eventGroup(const std::vector<Event>& events) {
+    if (events.size() > maximumGroupedEvents) {
+        refuse("too many events");
+    }
     Ids unknown;
-    for (const auto& [id, kind, data, timestamp] : events) {
+    for (const auto& [id, kind, data, time] : events) {
         if (holds(id)) {
-            event(id, kind);
+            event(id, kind, time);
         } else {
             unknown.push_back(id);
         }

@@ -6,6 +6,8 @@
 #include "ports/MainLoop.h"
 #include "ports/StatusItem.h"
 
+#include <utility>
+
 namespace vorla {
 
 /// The item's menu on the bus, as com.canonical.dbusmenu. Main thread.
@@ -22,6 +24,10 @@ public:
     void setListener(StatusItem::Listener* listener) { listener_ = listener; }
 
     void show(std::span<const MenuLine> lines);
+
+    /// When the user made the choice that the listener is being told of, by the display server's
+    /// clock; 0 if the panel does not know. Good once.
+    std::uint32_t takeChoiceTime() { return std::exchange(choiceTime_, 0); }
 
 private:
     using Ids = std::vector<std::int32_t>;
@@ -41,8 +47,8 @@ private:
     std::vector<ItemProperties> groupProperties(Ids ids, const Names& names) const;
     bus::Variant property(std::int32_t id, const std::string& name) const;
     bool aboutToShow(std::int32_t id);
-    std::tuple<Ids, Ids> aboutToShowGroup(const Ids& ids);
-    void event(std::int32_t id, const std::string& kind);
+    std::tuple<Ids, Ids> aboutToShowGroup(Ids ids);
+    void event(std::int32_t id, const std::string& kind, std::uint32_t time);
     Ids eventGroup(const std::vector<Event>& events);
 
     bool holds(std::int32_t id) const;
@@ -56,6 +62,7 @@ private:
     std::string path_;
     StatusItem::Listener* listener_ = nullptr;
     PublishedMenu menu_;
+    std::uint32_t choiceTime_ = 0;
     /// Held while the menu counts as open: panels may forget to say that it was closed.
     std::unique_ptr<MainLoop::Source> openLimit_;
     bus::Slot object_;

@@ -138,8 +138,10 @@ std::vector<PublishedMenu::Change> PublishedMenu::update(std::span<const MenuLin
 void PublishedMenu::publishWaitingLines() {
     std::vector<PublishedLine> layout;
     layout.reserve(layout_.size() + waiting_.size());
-    std::ranges::merge(
-        std::move(layout_), std::move(waiting_), std::back_inserter(layout), isAbove);
+    const auto from = [](auto place) { return std::make_move_iterator(place); };
+    std::merge(
+        from(layout_.begin()), from(layout_.end()), from(waiting_.begin()), from(waiting_.end()),
+        std::back_inserter(layout), isAbove);
     layout_ = std::move(layout);
     waiting_.clear();
     const auto isHidden = [](const PublishedLine& line) { return !line.visible; };

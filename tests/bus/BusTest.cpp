@@ -258,6 +258,22 @@ TEST_F(BusTest, deliversNoMoreSignalsOnceASubscriptionIsDropped) {
     EXPECT_EQ(dropped, 1);
 }
 
+TEST_F(BusTest, dropsASignalThatCannotBeBuilt) {
+    std::vector<std::string> received;
+    const Slot subscription = caller.subscribe({.interface = interfaceName}, [&](Message& message) {
+        received.push_back(message.read<std::string>());
+    });
+    call<>("Missing");
+    EXPECT_NO_THROW(peer.emit(objectPath, interfaceName, "Changed", std::string("\xFF")));
+    EXPECT_NO_THROW(peer.emit(objectPath, interfaceName, "Changed", std::string("\uFFFF")));
+    EXPECT_NO_THROW(peer.emit("no path", interfaceName, "Changed", std::string("path")));
+    EXPECT_NO_THROW(peer.emit(objectPath, interfaceName, "no member", std::string("member")));
+    EXPECT_NO_THROW(peer.emit(objectPath, interfaceName, "Changed", ObjectPath{"no path"}));
+    peer.emit(objectPath, interfaceName, "Changed", std::string("last"));
+    ASSERT_TRUE(loop.runUntil([&] { return !received.empty(); }));
+    EXPECT_EQ(received, std::vector<std::string>{"last"});
+}
+
 TEST_F(BusTest, tellsTheProcessOfAPeer) {
     std::optional<Reply<std::uint32_t>> answer;
     const Slot slot = caller.call(

@@ -74,6 +74,20 @@ TEST_F(DbusMenuEventsTest, answersForAGroupOfLinesAboutToShow) {
     EXPECT_EQ(again.results, (std::tuple<Ids, Ids>{{}, {}}));
 }
 
+TEST_F(DbusMenuEventsTest, opensOnceForAGroupThatNamesTheMenuManyTimes) {
+    showQuietly(usualMenu());
+    listener.whenOpening = [&] {
+        item.show(listener.openings == 1 ? menuWithNewLine() : usualMenu());
+    };
+    Ids ids(50'000, 0);
+    ids.insert(ids.end(), 50'000, unknownId);
+    ids.insert(ids.end(), 50'000, idOf(LineRole::quit));
+    ids.push_back(0);
+    const auto reply = panel.callMenu<Ids, Ids>("AboutToShowGroup", ids);
+    EXPECT_EQ(reply.results, (std::tuple<Ids, Ids>{{0}, {unknownId}}));
+    EXPECT_EQ(listener.openings, 1);
+}
+
 TEST_F(DbusMenuEventsTest, runsTheActionOfAClickedLineOnce) {
     item.show(usualMenu());
     EXPECT_TRUE(panel.sendEvent(idOf(LineRole::openDashboard), "clicked"));
@@ -122,6 +136,20 @@ TEST_F(DbusMenuEventsTest, takesSeveralEventsAtOnceAndListsUnknownLines) {
                           eventOf(LineRole::plan, "hovered"), eventOf(LineRole::quit, "clicked")});
     EXPECT_EQ(reply.results, std::tuple<Ids>{{unknownId}});
     EXPECT_EQ(listener.actions, (Actions{MenuAction::refresh, MenuAction::quit}));
+}
+
+TEST_F(DbusMenuEventsTest, takesAHundredEventsAtOnceAndRefusesMore) {
+    item.show(usualMenu());
+    std::vector<Event> events(99, eventOf(LineRole::refresh, "clicked"));
+    events.insert(events.begin(), {std::int32_t{0}, "opened", bus::Variant(std::int32_t{0}), 0U});
+    EXPECT_EQ(panel.callMenu<Ids>("EventGroup", events).results, std::tuple<Ids>{Ids{}});
+    EXPECT_EQ(listener.openings, 1);
+    EXPECT_EQ(listener.actions, Actions(99, MenuAction::refresh));
+
+    events.push_back(eventOf(LineRole::quit, "clicked"));
+    EXPECT_EQ(panel.callMenu<Ids>("EventGroup", events).error.name, invalidArguments);
+    EXPECT_EQ(listener.openings, 1);
+    EXPECT_EQ(listener.actions, Actions(99, MenuAction::refresh));
 }
 
 TEST_F(DbusMenuEventsTest, takesEventDataOfAnyType) {

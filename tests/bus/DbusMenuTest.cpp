@@ -84,6 +84,24 @@ TEST_F(DbusMenuTest, writesLabelsByThePanelsRules) {
         propertiesOf(LineRole::fiveHourReset)->at("label"), bus::Variant(std::string(4096, 'x')));
 }
 
+TEST_F(DbusMenuTest, showsLinesWithCharactersThatTheBusDoesNotTake) {
+    auto menu = usualMenu();
+    insert(
+        menu, {.identity = {.role = LineRole::bucket, .bucket = 0},
+               .title = "Bucket \uFFFF of \U0010FFFE"});
+    insert(menu, informational(LineRole::error, "not \uFDD0 logged in"));
+    showQuietly(menu);
+    EXPECT_EQ(panel.lines().size(), 11U);
+    EXPECT_EQ(propertiesOf(LineRole::error)->at("label"), bus::Variant("not \uFFFD logged in"));
+    EXPECT_EQ(propertiesOf(LineRole::bucket)->at("label"), bus::Variant("Bucket \uFFFD of \uFFFD"));
+
+    lineOf(menu, LineRole::error).title = "\uFDEF";
+    item.show(menu);
+    const auto signals = panel.newSignals();
+    ASSERT_EQ(names(signals), Names{"ItemsPropertiesUpdated"});
+    EXPECT_EQ(signals[0].changes, (Changes{{idOf(LineRole::error), {{"label", "\uFFFD"}}}}));
+}
+
 TEST_F(DbusMenuTest, honoursParentDepthAndNamesOfALayoutRequest) {
     item.show(usualMenu());
     const auto layoutOf = [&](std::int32_t parent, std::int32_t depth, const Names& names) {

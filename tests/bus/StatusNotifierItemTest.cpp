@@ -170,6 +170,18 @@ TEST_F(StatusNotifierItemTest, keepsMarkupOutOfTheToolTip) {
     EXPECT_EQ(panel.itemProperty<std::string>("Title"), "a<b> & c_d");
 }
 
+TEST_F(StatusNotifierItemTest, showsATitleWithCharactersThatTheBusDoesNotTake) {
+    showQuietly(usualMenu());
+    auto menu = usualMenu();
+    menu.title = "a\uFFFEb";
+    item.show(menu);
+    const auto signals = panel.newSignals();
+    ASSERT_EQ(names(signals), (Names{"XAyatanaNewLabel", "NewTitle", "NewToolTip"}));
+    EXPECT_EQ(signals.front().texts.front(), "a\uFFFDb");
+    EXPECT_EQ(panel.itemProperty<std::string>("Title"), "a\uFFFDb");
+    EXPECT_EQ(panel.itemProperty<ToolTip>("ToolTip"), (ToolTip{"", {}, "a\uFFFDb", ""}));
+}
+
 TEST_F(StatusNotifierItemTest, refusesToBeActivated) {
     item.show(usualMenu());
     for (const char* const member : {"Activate", "SecondaryActivate", "ContextMenu"}) {

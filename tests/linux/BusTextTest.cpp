@@ -3,6 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <ios>
+#include <string>
+#include <vector>
+
 namespace vorla {
 
 namespace {
@@ -15,6 +20,22 @@ std::string repeated(const std::string& text, std::size_t count) {
         result += text;
     }
     return result;
+}
+
+std::string utf8(char32_t codePoint) {
+    const auto continued = [&](unsigned shift) {
+        return static_cast<char>(0x80U | (codePoint >> shift & 0x3FU));
+    };
+    if (codePoint < 0x80) {
+        return {static_cast<char>(codePoint)};
+    }
+    if (codePoint < 0x800) {
+        return {static_cast<char>(0xC0U | codePoint >> 6U), continued(0)};
+    }
+    if (codePoint < 0x10000) {
+        return {static_cast<char>(0xE0U | codePoint >> 12U), continued(6), continued(0)};
+    }
+    return {static_cast<char>(0xF0U | codePoint >> 18U), continued(12), continued(6), continued(0)};
 }
 
 struct Case {
@@ -68,6 +89,73 @@ TEST(BusText, neverCutsADoubledUnderscoreInTwo) {
 
 TEST(BusText, cutsARowOfBrokenBytesAtTheLimitToo) {
     EXPECT_EQ(menuLabel(std::string(9000, '\xFF')), repeated("\uFFFD", 1365));
+}
+
+TEST(BusText, replacesNoncharacters) {
+    std::vector<char32_t> noncharacters = {0xFDD0, 0xFDD1, 0xFDEE, 0xFDEF};
+    for (char32_t plane = 0; plane <= 0x10; ++plane) {
+        noncharacters.push_back(plane << 16U | 0xFFFEU);
+        noncharacters.push_back(plane << 16U | 0xFFFFU);
+    }
+    for (const char32_t codePoint : noncharacters) {
+        const std::string text = "a" + utf8(codePoint) + utf8(codePoint) + "b";
+        EXPECT_EQ(busText(text), "a\uFFFD\uFFFDb") << std::hex << std::uint32_t{codePoint};
+        EXPECT_EQ(menuLabel(text), "a\uFFFD\uFFFDb") << std::hex << std::uint32_t{codePoint};
+        EXPECT_EQ(plainLabel(text), "a\uFFFD\uFFFDb") << std::hex << std::uint32_t{codePoint};
+    }
+}
+
+TEST(BusText, leavesTheNeighboursOfNoncharactersAlone) {
+    for (const std::string text :
+         {"\uFDCF", "\uFDF0", "\uFFFD", "\U00010000", "\U0001FFFD", "\U0001EFFF", "\U0001FFBF",
+          "\U0010FFFD", "\uEFFF", "\uFFBF", "\uF7D0", "\uFFD0"}) {
+        EXPECT_EQ(busText(text), text);
+        EXPECT_EQ(menuLabel(text), text);
+        EXPECT_EQ(plainLabel(text), text);
+    }
+}
+
+TEST(BusText, keepsEveryOtherCharacterButNul) {
+    std::string all;
+    std::string expected;
+    for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+        if (codePoint >= 0xD800 && codePoint <= 0xDFFF) {
+            continue;
+        }
+        const std::string character = utf8(codePoint);
+        all += character;
+        const bool isNone =
+            (codePoint >= 0xFDD0 && codePoint <= 0xFDEF) || (codePoint & 0xFFFEU) == 0xFFFEU;
+        if (codePoint != 0) {
+            expected += isNone ? "\uFFFD" : character;
+        }
+    }
+    // Not compared by EXPECT_EQ, which would print both.
+    EXPECT_TRUE(busText(all) == expected);
+}
+
+TEST(BusText, showsThatThereIsATextOfWhichNothingCanBeShown) {
+    std::string endless = "e";
+    endless += repeated("\u0301", 2048);
+    ASSERT_EQ(endless.size(), 4097U);
+    for (const auto& text :
+         {"\0"s, std::string(10'000, '\0'), endless, endless + " and more",
+          "_" + repeated("\u0301", 2048), "\uFFFF"s}) {
+        EXPECT_EQ(menuLabel(text), "\uFFFD") << text.size();
+        EXPECT_EQ(plainLabel(text), "\uFFFD") << text.size();
+        EXPECT_EQ(toolTipText(text), "\uFFFD") << text.size();
+    }
+    endless.pop_back();
+    endless.pop_back();
+    EXPECT_EQ(menuLabel(endless), endless);
+    EXPECT_EQ(menuLabel(""), "");
+    EXPECT_EQ(plainLabel(""), "");
+    EXPECT_EQ(toolTipText(""), "");
+    EXPECT_EQ(busText(""), "");
+}
+
+TEST(BusText, boundsNothingWhereThatIsNotAskedFor) {
+    EXPECT_EQ(busText(std::string(5000, 'x') + "_\t\0\xFF"s), std::string(5000, 'x') + "_\t\uFFFD");
 }
 
 TEST(BusText, leavesUnderscoresInTitlesAlone) {

@@ -181,6 +181,17 @@ TEST(PublishedMenu, putsNewLinesWhereTheyBelong) {
     EXPECT_EQ(menu.revision(), 2U);
 }
 
+TEST(PublishedMenu, neverHoldsATextTwiceWhileItPublishes) {
+    const std::string title(4096, 'x');
+    auto menu = menuOf({line(LineRole::plan, title), quit()});
+    const auto* const before = menu.lines()[0].label.data();
+    menu.update(std::vector{line(LineRole::plan, title), bucket(0), quit()});
+    menu.publishWaitingLines();
+    EXPECT_EQ(menu.lines()[0].label, title);
+    EXPECT_EQ(menu.lines()[0].label.data(), before);
+    EXPECT_EQ(menu.lines()[1].label, "Bucket");
+}
+
 TEST(PublishedMenu, forgetsAWaitingLineThatIsGoneAgain) {
     auto menu = menuOf({quit()});
     menu.update(std::vector{line(LineRole::plan, "Plan"), quit()});

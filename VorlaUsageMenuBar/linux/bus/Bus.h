@@ -90,14 +90,17 @@ public:
     /// reads is dropped.
     [[nodiscard]] Slot subscribe(const SignalRule& rule, std::function<void(Message&)> handler);
 
-    /// Signals are never acknowledged: one that cannot be sent, since the bus is gone, is dropped.
+    /// Signals are never acknowledged: one that cannot be sent, since the bus is gone or does not
+    /// take it, is dropped.
     template <typename... Arguments>
     void emit(
         const std::string& path, const std::string& interface, const std::string& member,
         const Arguments&... arguments) {
-        Message signal = newSignal(path, interface, member);
-        signal.write(arguments...);
-        sendSignal(std::move(signal));
+        try {
+            Message signal = newSignal(path, interface, member);
+            signal.write(arguments...);
+            sendSignal(std::move(signal));
+        } catch (const std::system_error&) {}
     }
 
     sd_bus* native() { return bus_.get(); }
