@@ -20,11 +20,12 @@ bool isLimited(std::string_view argument) {
 
 std::shared_ptr<Command>
 Command::create(MainLoop& loop, ProcessLauncher& launcher, const Environment& environment) {
-    return std::make_shared<Command>(
-        Key{}, loop, launcher, environment.with(companionVariable, "1"));
+    // Not make_shared, which the private constructor is closed to.
+    return std::shared_ptr<Command>(
+        new Command(loop, launcher, environment.with(companionVariable, "1")));
 }
 
-Command::Command(Key, MainLoop& loop, ProcessLauncher& launcher, Environment environment)
+Command::Command(MainLoop& loop, ProcessLauncher& launcher, Environment environment)
     : loop_(loop), launcher_(launcher), environment_(std::move(environment)) {}
 
 Command::~Command() = default;
@@ -36,6 +37,7 @@ void Command::start(const std::string& path, const std::string& argument, Comple
         limit = loop_.after(timeLimit, [this] { timeIsUp(); });
         whenFull_ = StreamCapture::WhenFull::dropNewest;
     }
+    // Whatever the child does at once is told through the loop, when the fields below are set.
     child_ = launcher_.launch(
         {.path = path, .argument = argument, .environment = environment_.entries()}, *this);
     limit_ = std::move(limit);
@@ -90,6 +92,8 @@ void Command::received(ChildProcess::Stream stream, std::string_view bytes) {
     const std::size_t kept = capture.append(bytes, whenFull_);
     if (kept < bytes.size() && !std::exchange(overflowed_, true)) {
         stop();
+        completeIfEnded();
+        return;
     }
     if (stream == ChildProcess::Stream::output && kept > 0 && onOutput) {
         // It may also replace itself.
@@ -114,7 +118,10 @@ void Command::exited(int status) {
 }
 
 void Command::completeIfEnded() {
-    if (self_ == nullptr || !status_ || !outputEnded_ || !errorsEnded_) {
+    // Once a stream has overflowed nothing that comes matters any more, and a child of the child
+    // may go on for ever: closing the pipes ends that.
+    const bool streamsEnded = (outputEnded_ && errorsEnded_) || overflowed_;
+    if (self_ == nullptr || !status_ || !streamsEnded) {
         return;
     }
     const auto alive = std::exchange(self_, nullptr);

@@ -79,13 +79,8 @@ public:
     void abandon();
 
 private:
-    /// Keeps the constructor to create(), although std::make_shared must reach it.
-    struct Key {};
+    Command(MainLoop& loop, ProcessLauncher& launcher, Environment environment);
 
-public:
-    Command(Key, MainLoop& loop, ProcessLauncher& launcher, Environment environment);
-
-private:
     void received(ChildProcess::Stream stream, std::string_view bytes) override;
     void ended(ChildProcess::Stream stream) override;
     void exited(int status) override;

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace vorla {
 
@@ -38,9 +38,9 @@ std::vector<std::string_view> folders(std::string_view searchPath) {
 
 } // namespace
 
-std::optional<std::string> findCompanion(const CompanionPlaces& places) {
-    if (const auto only = places.environment.value(overrideName)) {
-        return isUsable(*only) ? only : std::nullopt;
+std::vector<std::string> companionCandidates(const CompanionPlaces& places) {
+    if (auto only = places.environment.value(overrideName)) {
+        return {std::move(*only)};
     }
     std::vector<std::string> candidates;
     if (places.resourcesDirectory) {
@@ -51,7 +51,11 @@ std::optional<std::string> findCompanion(const CompanionPlaces& places) {
     for (const auto folder : folders(searchPath)) {
         candidates.push_back(std::string(folder).append("/").append(toolName));
     }
-    for (auto& candidate : candidates) {
+    return candidates;
+}
+
+std::optional<std::string> findCompanion(const CompanionPlaces& places) {
+    for (auto& candidate : companionCandidates(places)) {
         if (isUsable(candidate)) {
             return std::move(candidate);
         }

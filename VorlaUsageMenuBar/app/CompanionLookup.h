@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vorla {
 
@@ -16,8 +17,11 @@ struct CompanionPlaces {
     std::optional<std::string> resourcesDirectory;
 };
 
-/// The path of the first usable `vorla-usage`, looked up afresh at each call. An override in
-/// VORLA_USAGE_EXECUTABLE is the only candidate when present, even if it is empty.
+/// Where the tool is looked for, in this order. An override in VORLA_USAGE_EXECUTABLE is the only
+/// candidate when present, even if it is empty.
+std::vector<std::string> companionCandidates(const CompanionPlaces& places);
+
+/// The first candidate that is a file which we may execute, looked up afresh at each call.
 std::optional<std::string> findCompanion(const CompanionPlaces& places);
 
 } // namespace vorla

@@ -17,7 +17,8 @@ public:
 
     explicit StreamCapture(std::size_t maximumBytes) : maximumBytes_(maximumBytes) {}
 
-    /// Returns how many of `bytes` were kept; those dropped are the last ones.
+    /// Returns how many of `bytes` were taken: all of them, unless the newest give way, which is
+    /// then their end.
     std::size_t append(std::string_view bytes, WhenFull whenFull);
 
     std::string_view bytes() const { return bytes_; }
@@ -25,6 +26,7 @@ public:
     /// The bytes as well-formed text. Only those that came since the last call are decoded, so the
     /// text can reach further back than the bytes once the oldest have been dropped.
     std::string_view text();
+
     /// Hands over the bytes and forgets everything.
     std::string take();
 

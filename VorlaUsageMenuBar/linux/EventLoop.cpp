@@ -7,6 +7,8 @@
 #include <csignal>
 #include <cstdint>
 #include <ctime>
+#include <exception>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -25,10 +27,19 @@ void check(int result, const char* what) {
     }
 }
 
+/// One piece of work that fails, for want of memory, must neither end the loop nor keep others from
+/// being done, and no exception may travel through the C library.
+void perform(const std::function<void()>& work) noexcept {
+    try {
+        work();
+    } catch (const std::exception&) {}
+}
+
 /// What all sources have in common: the sd-event source and the work to be done when it fires.
 class EventSource final : public MainLoop::Source {
 public:
-    explicit EventSource(std::function<void()> work) : work_(std::move(work)) {}
+    explicit EventSource(std::function<void()> work)
+        : work_(std::make_shared<const std::function<void()>>(std::move(work))) {}
 
     ~EventSource() override { sd_event_source_disable_unref(source_); }
 
@@ -52,11 +63,11 @@ public:
     void repeatEvery(std::uint64_t microseconds) { interval_ = microseconds; }
 
 private:
-    // The work may destroy this very source, so it runs from a copy and nothing is touched after
-    // it.
     int fire() {
+        // The work may destroy this very source, so it is kept until it is done and nothing is
+        // touched after it.
         const auto work = work_;
-        work();
+        perform(*work);
         return 0;
     }
 
@@ -72,7 +83,8 @@ private:
     }
 
     sd_event_source* source_ = nullptr;
-    std::function<void()> work_;
+    /// Shared, since making a copy could fail.
+    std::shared_ptr<const std::function<void()>> work_;
     std::uint64_t interval_ = 0;
 };
 
@@ -118,7 +130,7 @@ void EventLoop::runPosted() {
     auto works = takePosted();
     for (auto& work : works) {
         // What it holds is released before the next one runs.
-        std::exchange(work, nullptr)();
+        perform(std::exchange(work, nullptr));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/PipeReader.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -34,11 +35,19 @@ void waitAndTakeOne(const FileDescriptor& counter) {
     while (read(counter.number(), &value, sizeof value) < 0 && errno == EINTR) {}
 }
 
+/// The writers may read as well: a process finds its own output in /proc, and can take back what
+/// poll() has just promised us. A read that waited then could not be told to stop.
+FileDescriptor thatNeverWaits(FileDescriptor pipe) {
+    fcntl(pipe.number(), F_SETFL, fcntl(pipe.number(), F_GETFL) | O_NONBLOCK);
+    return pipe;
+}
+
 /// Waits for something to read; false if there will be nothing because `stop` has been raised.
 bool waitForBytes(const FileDescriptor& pipe, const FileDescriptor& stop) {
     std::array<pollfd, 2> watched = {
         pollfd{pipe.number(), POLLIN, 0}, pollfd{stop.number(), POLLIN, 0}};
-    while (poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {}
+    // It fails when interrupted, or when the system is short of memory for a moment.
+    while (poll(watched.data(), watched.size(), -1) < 0) {}
     return watched[1].revents == 0;
 }
 
@@ -66,7 +75,9 @@ struct PipeReader::Shared {
 
 PipeReader::PipeReader(MainLoop& loop, FileDescriptor pipe, Callbacks callbacks)
     : shared_(std::make_shared<Shared>(std::move(callbacks))),
-      thread_([&loop, pipe = std::move(pipe), shared = shared_] { read(loop, pipe, shared); }) {}
+      thread_([&loop, pipe = thatNeverWaits(std::move(pipe)), shared = shared_] {
+          read(loop, pipe, shared);
+      }) {}
 
 PipeReader::~PipeReader() {
     shared_->closed = true;
@@ -80,10 +91,13 @@ void PipeReader::read(MainLoop& loop, const FileDescriptor& pipe, std::shared_pt
     std::array<char, chunkBytes> buffer;
     for (;;) {
         waitAndTakeOne(shared->room);
-        if (!waitForBytes(pipe, shared->stop)) {
-            return;
-        }
-        const auto length = readSome(pipe, buffer);
+        ssize_t length = 0;
+        do {
+            if (!waitForBytes(pipe, shared->stop)) {
+                return;
+            }
+            length = readSome(pipe, buffer);
+        } while (length < 0 && errno == EAGAIN);
         if (length <= 0) {
             break;
         }

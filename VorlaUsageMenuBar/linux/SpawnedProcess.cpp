@@ -1,126 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "linux/SpawnedProcess.h"
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "linux/Spawn.h"
 
-#include <array>
-#include <cerrno>
+#include <sys/wait.h>
+
+#include <chrono>
 #include <csignal>
-#include <string>
-#include <system_error>
 #include <utility>
-#include <vector>
 
 namespace vorla {
 
 namespace {
 
-constexpr int firstInheritedDescriptor = STDERR_FILENO + 1;
-
-void check(int error, const char* what) {
-    if (error != 0) {
-        throw std::system_error(error, std::generic_category(), what);
-    }
-}
-
-/// Own process group, no signal blocked, every signal handled by default.
-class Attributes final {
-public:
-    Attributes() {
-        check(posix_spawnattr_init(&attributes_), "posix_spawnattr_init");
-        sigset_t none;
-        sigset_t all;
-        sigemptyset(&none);
-        sigfillset(&all);
-        posix_spawnattr_setpgroup(&attributes_, 0);
-        posix_spawnattr_setsigmask(&attributes_, &none);
-        posix_spawnattr_setsigdefault(&attributes_, &all);
-        posix_spawnattr_setflags(
-            &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    }
-
-    ~Attributes() { posix_spawnattr_destroy(&attributes_); }
-
-    Attributes(const Attributes&) = delete;
-    Attributes& operator=(const Attributes&) = delete;
-
-    const posix_spawnattr_t* get() const { return &attributes_; }
-
-private:
-    posix_spawnattr_t attributes_ = {};
-};
-
-/// The null device and two given descriptors as the standard streams, and nothing else open.
-class Descriptors final {
-public:
-    Descriptors(int output, int errors) {
-        check(posix_spawn_file_actions_init(&actions_), "posix_spawn_file_actions_init");
-        const std::array results = {
-            posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0),
-            posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO),
-            posix_spawn_file_actions_adddup2(&actions_, errors, STDERR_FILENO),
-            posix_spawn_file_actions_addclosefrom_np(&actions_, firstInheritedDescriptor)};
-        for (const int result : results) {
-            if (result != 0) {
-                posix_spawn_file_actions_destroy(&actions_);
-                check(result, "posix_spawn_file_actions");
-            }
-        }
-    }
-
-    ~Descriptors() { posix_spawn_file_actions_destroy(&actions_); }
-
-    Descriptors(const Descriptors&) = delete;
-    Descriptors& operator=(const Descriptors&) = delete;
-
-    const posix_spawn_file_actions_t* get() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_ = {};
-};
-
-/// A duplicate beyond the standard streams. If one of ours was closed when we were started, a pipe
-/// may have taken its number, and would be overwritten while the child's streams are put in place.
-FileDescriptor beyondStandardStreams(const FileDescriptor& descriptor) {
-    FileDescriptor duplicate(fcntl(descriptor.number(), F_DUPFD_CLOEXEC, firstInheritedDescriptor));
-    if (!duplicate.isOpen()) {
-        throw std::system_error(errno, std::generic_category(), "fcntl");
-    }
-    return duplicate;
-}
-
-pid_t spawn(LaunchRequest request, const FileDescriptor& output, const FileDescriptor& errors) {
-    const FileDescriptor outputSource = beyondStandardStreams(output);
-    const FileDescriptor errorsSource = beyondStandardStreams(errors);
-    const Attributes attributes;
-    const Descriptors descriptors(outputSource.number(), errorsSource.number());
-    const std::array<char*, 3> arguments = {request.path.data(), request.argument.data(), nullptr};
-    std::vector<char*> environment;
-    for (auto& entry : request.environment) {
-        environment.push_back(entry.data());
-    }
-    environment.push_back(nullptr);
-    pid_t number = 0;
-    check(
-        posix_spawn(
-            &number, request.path.c_str(), descriptors.get(), attributes.get(), arguments.data(),
-            environment.data()),
-        "posix_spawn");
-    return number;
-}
-
-/// As pidfd_open(2), whose declaration in glibc 2.36 cannot be linked from C++.
-FileDescriptor openHandle(pid_t number) {
-    FileDescriptor handle(static_cast<int>(syscall(SYS_pidfd_open, number, 0)));
-    if (!handle.isOpen()) {
-        throw std::system_error(errno, std::generic_category(), "pidfd_open");
-    }
-    return handle;
-}
+constexpr std::chrono::seconds retryInterval{1};
 
 void killAll(pid_t number) {
     ::kill(-number, SIGKILL);
@@ -132,13 +25,19 @@ void killAll(pid_t number) {
 SpawnedProcess::SpawnedProcess(
     MainLoop& loop, const LaunchRequest& request, const FileDescriptor& output,
     const FileDescriptor& errors, Ended ended)
-    : number_(spawn(request, output, errors)), ended_(std::move(ended)) {
+    : loop_(loop), ended_(std::move(ended)) {
+    auto child = spawn(
+        {.path = request.path,
+         .arguments = {request.argument},
+         .environment = request.environment,
+         .output = output.number(),
+         .errors = errors.number()});
+    number_ = child.number;
+    handle_ = std::move(child.handle);
     try {
-        handle_ = openHandle(number_);
         watch_ = loop.whenReadable(handle_.number(), [this] { lookForEnd(); });
     } catch (...) {
-        killAll(number_);
-        waitpid(number_, nullptr, 0);
+        killAndCollect(number_);
         throw;
     }
 }
@@ -177,6 +76,9 @@ std::optional<int> SpawnedProcess::endStatus() const {
 void SpawnedProcess::lookForEnd() {
     const auto status = endStatus();
     if (!status) {
+        // It has ended, but whoever traces it must let go of it before we can learn how. Its handle
+        // would call us without a pause until then.
+        watch_ = loop_.after(retryInterval, [this] { lookForEnd(); });
         return;
     }
     watch_.reset();

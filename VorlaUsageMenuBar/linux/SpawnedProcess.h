@@ -44,6 +44,7 @@ private:
     std::optional<int> endStatus() const;
     void lookForEnd();
 
+    MainLoop& loop_;
     pid_t number_ = 0;
     FileDescriptor handle_;
     std::unique_ptr<MainLoop::Source> watch_;

@@ -44,8 +44,9 @@ struct JsonValue {
 };
 
 inline constexpr int maximumJsonDepth = 512;
-/// Ours, so that a hostile document of a few megabytes cannot ask for gigabytes of memory.
-inline constexpr std::size_t maximumJsonValues = 4'194'304;
+/// Ours, so that a hostile document cannot ask for many times its own size: a value takes some 100
+/// bytes.
+inline constexpr std::size_t maximumJsonValues = 1'048'576;
 
 /// Parses one whole document of UTF-8 JSON; a leading byte order mark is accepted (RFC 8259, 8.1).
 ///

@@ -235,6 +235,23 @@ TEST_F(CommandRun, aShortRunThatPrintsTooMuchIsStopped) {
     }
 }
 
+TEST_F(CommandRun, aGrandchildThatPrintsForEverDoesNotKeepTheRunFromEnding) {
+    for (const auto* stream : {"output", "errors"}) {
+        results.clear();
+        bool exited = false;
+        startUnobserved("leavesFlood", "--json", {"STREAM=" + std::string(stream)});
+        command().whenExited([&] { exited = true; });
+        ASSERT_TRUE(loop().runUntil([&] { return exited; }));
+        EXPECT_TRUE(results.empty());
+        go();
+        const auto result = waitForResult();
+        EXPECT_EQ(result.output.size() + result.errors.size(), Command::maximumStreamBytes);
+        EXPECT_EQ(result.status, 5);
+        EXPECT_FALSE(result.timedOut);
+        EXPECT_EQ(loop().timerCount(), 0U);
+    }
+}
+
 TEST_F(CommandRun, aDashboardThatPrintsTooMuchKeepsItsNewestText) {
     constexpr int last = 1'199'999;
     for (const auto* program : {"floodsOutput", "floodsErrors"}) {

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "app/Command.h"
 
-#include "fakes/FakeLauncher.h"
-#include "fakes/ManualLoop.h"
+#include "app/CommandFixture.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
+#include <functional>
 #include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 namespace vorla {
@@ -16,31 +20,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using Stream = ChildProcess::Stream;
-using Signals = std::vector<int>;
 
-/// One run whose child the test plays.
-class CommandTest : public testing::Test {
-protected:
-    ~CommandTest() override {
-        if (const auto left = weak.lock()) {
-            left->abandon();
-        }
-    }
-
-    void start(const std::string& argument) {
-        command->start("/tool", argument, [this](CommandResult result) {
-            results.push_back(std::move(result));
-        });
-    }
-
-    FakeChild& child() const { return launcher.last(); }
-
-    ManualLoop loop;
-    FakeLauncher launcher;
-    std::shared_ptr<Command> command = Command::create(loop, launcher, Environment({"A=1"}));
-    std::weak_ptr<Command> weak = command;
-    std::vector<CommandResult> results;
-};
+class CommandTest : public CommandFixture {};
 
 } // namespace
 
@@ -92,6 +73,45 @@ TEST_F(CommandTest, completesOnlyWhenChildAndStreamsHaveEndedInAnyOrder) {
         ASSERT_EQ(results.size(), 1U);
         EXPECT_EQ(results[0].status, 7);
     } while (std::next_permutation(steps.begin(), steps.end(), less));
+}
+
+TEST_F(CommandTest, completesOnceAStreamIsTooLongThoughItOutlivesTheChild) {
+    const std::string part(Command::maximumStreamBytes, 'x');
+    for (const auto print : {&FakeChild::print, &FakeChild::printError}) {
+        results.clear();
+        command = Command::create(loop, launcher, Environment());
+        weak = command;
+        start("--json");
+        child().exit(3);
+        (child().*print)(part);
+        EXPECT_TRUE(results.empty());
+        (child().*print)("y");
+        ASSERT_EQ(results.size(), 1U);
+        EXPECT_EQ(results[0].output.size() + results[0].errors.size(), part.size());
+        EXPECT_EQ(results[0].status, 3);
+        EXPECT_FALSE(results[0].timedOut);
+        EXPECT_TRUE(child().isForgotten());
+        EXPECT_TRUE(child().signals.empty());
+        EXPECT_EQ(loop.timerCount(), 0U);
+        child().print("z");
+        child().close(Stream::output);
+        child().close(Stream::errors);
+        EXPECT_EQ(results.size(), 1U);
+    }
+}
+
+TEST_F(CommandTest, waitsOnlyForTheChildOnceAStreamIsTooLong) {
+    start("--diagnostics-json");
+    child().print(std::string(Command::maximumStreamBytes + 1, 'x'));
+    EXPECT_EQ(child().signals, std::vector<int>{SIGTERM});
+    EXPECT_TRUE(results.empty());
+    child().print("more");
+    child().exit(SIGTERM);
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(results[0].status, SIGTERM);
+    EXPECT_FALSE(results[0].timedOut);
+    EXPECT_TRUE(child().isForgotten());
+    EXPECT_EQ(loop.timerCount(), 0U);
 }
 
 TEST_F(CommandTest, passesANegativeStatusThrough) {
@@ -176,135 +196,6 @@ TEST_F(CommandTest, throwsTheLaunchErrorAndNeverCompletes) {
     EXPECT_TRUE(results.empty());
 }
 
-TEST_F(CommandTest, limitsExactlyTheTwoShortRuns) {
-    const std::vector<std::pair<std::string, std::size_t>> cases = {
-        {"--json", 1}, {"--diagnostics-json", 1}, {"--web", 0}, {"--json ", 0}, {"--JSON", 0}};
-    for (const auto& [argument, timers] : cases) {
-        command = Command::create(loop, launcher, Environment());
-        start(argument);
-        EXPECT_EQ(loop.timerCount(), timers) << argument;
-        child().finish(0);
-        EXPECT_EQ(loop.timerCount(), 0U) << argument;
-    }
-}
-
-TEST_F(CommandTest, asksAChildToEndAfter45SecondsAndKillsItAfter48) {
-    start("--json");
-    loop.advance(44'999ms);
-    EXPECT_EQ(child().signals, Signals{});
-    loop.advance(1ms);
-    EXPECT_EQ(child().signals, Signals{SIGTERM});
-    loop.advance(2'999ms);
-    EXPECT_EQ(child().signals, Signals{SIGTERM});
-    loop.advance(1ms);
-    EXPECT_EQ(child().signals, (Signals{SIGTERM, SIGKILL}));
-    child().finish(SIGKILL);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_TRUE(results[0].timedOut);
-    EXPECT_EQ(results[0].status, SIGKILL);
-}
-
-TEST_F(CommandTest, doesNotCallARunOf44SecondsTimedOut) {
-    start("--diagnostics-json");
-    loop.advance(44s);
-    child().finish(0);
-    EXPECT_EQ(loop.timerCount(), 0U);
-    loop.advance(10s);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_FALSE(results[0].timedOut);
-    EXPECT_EQ(child().signals, Signals{});
-}
-
-TEST_F(CommandTest, doesNothingAtTheLimitOnceTheChildHasEnded) {
-    start("--json");
-    child().exit(0);
-    loop.advance(60s);
-    EXPECT_EQ(child().signals, Signals{});
-    child().close(Stream::output);
-    child().close(Stream::errors);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_FALSE(results[0].timedOut);
-}
-
-TEST_F(CommandTest, looksAfreshWhetherTheChildRunsAtTheLimit) {
-    start("--json");
-    child().running = false;
-    loop.advance(45s);
-    child().finish(0);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_FALSE(results[0].timedOut);
-}
-
-TEST_F(CommandTest, letsADashboardRunForADay) {
-    start("--web");
-    loop.advance(24h);
-    EXPECT_EQ(child().signals, Signals{});
-    command->stop();
-    EXPECT_EQ(child().signals, Signals{SIGTERM});
-    child().finish(SIGTERM);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_EQ(results[0].status, SIGTERM);
-}
-
-TEST_F(CommandTest, aStopIsNoTimeout) {
-    start("--json");
-    command->stop();
-    loop.advance(2s);
-    child().finish(SIGTERM);
-    loop.advance(60s);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_FALSE(results[0].timedOut);
-    EXPECT_EQ(child().signals, Signals{SIGTERM});
-}
-
-TEST_F(CommandTest, aStopCancelsTheLimitAlsoOfAChildThatOutlivesIt) {
-    start("--json");
-    loop.advance(44s);
-    command->stop();
-    loop.advance(2s);
-    EXPECT_EQ(child().signals, Signals{SIGTERM});
-    child().finish(0);
-    EXPECT_FALSE(results.at(0).timedOut);
-}
-
-TEST_F(CommandTest, aStopOfAnEndedChildOnlyCancelsTheLimit) {
-    start("--json");
-    child().exit(0);
-    command->stop();
-    EXPECT_EQ(loop.timerCount(), 0U);
-    EXPECT_EQ(child().signals, Signals{});
-    EXPECT_TRUE(results.empty());
-}
-
-TEST_F(CommandTest, eachStopSendsItsOwnRequestAndChecksOnItsOwn) {
-    start("--web");
-    command->stop();
-    loop.advance(1s);
-    command->stop();
-    EXPECT_EQ(child().signals, (Signals{SIGTERM, SIGTERM}));
-    loop.advance(2s);
-    EXPECT_EQ(child().signals, (Signals{SIGTERM, SIGTERM, SIGKILL}));
-    loop.advance(1s);
-    EXPECT_EQ(child().signals, (Signals{SIGTERM, SIGTERM, SIGKILL, SIGKILL}));
-}
-
-TEST_F(CommandTest, stopBeforeStartAndAfterTheEndDoesNothing) {
-    command->stop();
-    start("--web");
-    child().finish(0);
-    command->stop();
-    command->kill();
-    loop.advance(10s);
-    EXPECT_EQ(child().signals, Signals{});
-    EXPECT_EQ(results.size(), 1U);
-}
-
-TEST_F(CommandTest, killKillsAtOnce) {
-    start("--web");
-    command->kill();
-    EXPECT_EQ(child().signals, Signals{SIGKILL});
-}
-
 TEST_F(CommandTest, tellsOfTheExitWhileAStreamIsStillOpen) {
     int exits = 0;
     start("--json");
@@ -326,17 +217,6 @@ TEST_F(CommandTest, completesAfterItsOwnerHasDroppedIt) {
     child().finish(0);
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(results[0].output, "late");
-    EXPECT_TRUE(weak.expired());
-}
-
-TEST_F(CommandTest, keepsToItsLimitAfterItsOwnerHasDroppedIt) {
-    start("--json");
-    command.reset();
-    loop.advance(48s);
-    EXPECT_EQ(child().signals, (Signals{SIGTERM, SIGKILL}));
-    child().finish(SIGKILL);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_TRUE(results[0].timedOut);
     EXPECT_TRUE(weak.expired());
 }
 
@@ -407,13 +287,18 @@ TEST_F(CommandTest, abandonEndsARunInEveryStateWithoutCompletion) {
     EXPECT_TRUE(results.empty());
 }
 
-TEST_F(CommandTest, mayBeAbandonedByItsObserver) {
-    command->onOutput = [this](std::string_view) {
+TEST_F(CommandTest, mayBeAbandonedByItsObserverWhoseTextStaysValid) {
+    const std::string printed(100, 'x');
+    std::string seen;
+    command->onOutput = [&](std::string_view text) {
         command->abandon();
         command.reset();
+        EXPECT_FALSE(weak.expired());
+        seen = text;
     };
     start("--web");
-    child().print("ab");
+    child().print(printed);
+    EXPECT_EQ(seen, printed);
     EXPECT_TRUE(weak.expired());
     child().finish(0);
     EXPECT_TRUE(results.empty());
@@ -430,58 +315,6 @@ TEST_F(CommandTest, mayBeAbandonedAtTheChildsExit) {
     child().exit(0);
     EXPECT_TRUE(weak.expired());
     EXPECT_TRUE(results.empty());
-}
-
-TEST_F(CommandTest, stopsAShortRunOnceEitherStreamIsTooLong) {
-    const std::string part(Command::maximumStreamBytes / 2, 'x');
-    for (const auto stream : {Stream::output, Stream::errors}) {
-        results.clear();
-        command = Command::create(loop, launcher, Environment());
-        start("--diagnostics-json");
-        const auto print = [&](std::string_view text) {
-            stream == Stream::output ? child().print(text) : child().printError(text);
-        };
-        print("first");
-        print(part);
-        print(std::string_view(part).substr(5));
-        EXPECT_EQ(child().signals, Signals{});
-        print("y");
-        print("z");
-        EXPECT_EQ(child().signals, Signals{SIGTERM});
-        loop.advance(3s);
-        EXPECT_EQ(child().signals, (Signals{SIGTERM, SIGKILL}));
-        child().finish(SIGKILL);
-        ASSERT_EQ(results.size(), 1U);
-        const auto& text = stream == Stream::output ? results[0].output : results[0].errors;
-        EXPECT_EQ(text.size(), Command::maximumStreamBytes);
-        EXPECT_TRUE(text.starts_with("firstxx"));
-        EXPECT_FALSE(text.ends_with("y"));
-        EXPECT_FALSE(results[0].timedOut);
-    }
-}
-
-TEST_F(CommandTest, letsADashboardLoseItsOldestTextInstead) {
-    const std::string part(Command::maximumStreamBytes / 2, 'x');
-    std::string seen;
-    command->onOutput = [&](std::string_view text) { seen = text; };
-    start("--web");
-    for (const auto print : {&FakeChild::print, &FakeChild::printError}) {
-        (child().*print)("first");
-        (child().*print)(part);
-        (child().*print)(part);
-        (child().*print)("last");
-    }
-    EXPECT_EQ(child().signals, Signals{});
-    EXPECT_LE(seen.size(), Command::maximumStreamBytes);
-    EXPECT_TRUE(seen.ends_with("xxlast"));
-    child().finish(0);
-    ASSERT_EQ(results.size(), 1U);
-    for (const auto& text : {results[0].output, results[0].errors}) {
-        EXPECT_GE(text.size(), Command::maximumStreamBytes / 2);
-        EXPECT_LE(text.size(), Command::maximumStreamBytes);
-        EXPECT_TRUE(text.starts_with("xx"));
-        EXPECT_TRUE(text.ends_with("xxlast"));
-    }
 }
 
 } // namespace vorla

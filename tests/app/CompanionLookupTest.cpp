@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 namespace vorla {
 
@@ -119,16 +121,24 @@ TEST_F(CompanionLookup, searchPathEntriesAreTriedInOrder) {
     EXPECT_EQ(findCompanion(places({"PATH=" + path("first") + ":" + path("second")})), first);
 }
 
-TEST_F(CompanionLookup, emptySearchPathEntriesAddNothing) {
-    // An empty entry would otherwise be "/vorla-usage", or the current folder as in a shell.
-    makeTool("here/vorla-usage");
-    const auto before = std::filesystem::current_path();
-    std::filesystem::current_path(path("here"));
-    for (const auto* searchPath :
-         {"PATH=", "PATH=:", "PATH=::", "PATH=:/nowhere:", "PATH=/a::/b"}) {
-        EXPECT_EQ(findCompanion(places({searchPath})), std::nullopt) << searchPath;
+TEST_F(CompanionLookup, theCandidatesAreInOrderAndEmptySearchPathEntriesAddNone) {
+    using Candidates = std::vector<std::string>;
+    auto all = places({"PATH=/usr/bin::/opt/tools/"});
+    all.homeDirectory = "/home/ada";
+    EXPECT_EQ(
+        companionCandidates(all), (Candidates{
+                                      "/home/ada/.local/bin/vorla-usage", "/usr/bin/vorla-usage",
+                                      "/opt/tools//vorla-usage"}));
+    for (const auto* searchPath : {"PATH=", "PATH=:", "PATH=::"}) {
+        all.environment = Environment({searchPath});
+        EXPECT_EQ(companionCandidates(all), Candidates{"/home/ada/.local/bin/vorla-usage"});
     }
-    std::filesystem::current_path(before);
+    all.environment = Environment({"PATH=:/bin:"});
+    all.resourcesDirectory = "/usr/libexec/VorlaUsageMenuBar";
+    EXPECT_EQ(
+        companionCandidates(all), (Candidates{
+                                      "/usr/libexec/VorlaUsageMenuBar/vorla-usage",
+                                      "/home/ada/.local/bin/vorla-usage", "/bin/vorla-usage"}));
 }
 
 TEST_F(CompanionLookup, withoutASearchPathOnlyTheHomeDirectoryIsLeft) {

@@ -10,7 +10,9 @@
 #include <csignal>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -164,6 +166,32 @@ TEST_F(EventLoopTest, firesARepeatedTimerAgainAndAgain) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, 2s);
 }
 
+TEST_F(EventLoopTest, makesUpForMissedTicksWithOneCallAndStaysOnItsGrid) {
+    using Clock = std::chrono::steady_clock;
+    int calls = 0;
+    const auto start = Clock::now();
+    Clock::time_point caughtUp;
+    const auto timer = loop->every(1s, [&] {
+        ++calls;
+        caughtUp = Clock::now();
+    });
+    loop->post([&] {
+        while (Clock::now() < start + 2500ms) {}
+    });
+    runPending();
+    EXPECT_EQ(calls, 1);
+
+    // Whatever wakes the loop makes a timer fire that is due, however long it may still wait.
+    const auto nextTick = std::chrono::ceil<std::chrono::seconds>(caughtUp - start);
+    bool awake = false;
+    const auto afterTick = loop->after(
+        std::chrono::ceil<std::chrono::milliseconds>(start + nextTick + 10ms - caughtUp),
+        [&] { awake = true; });
+    ASSERT_TRUE(runUntil([&] { return awake; }));
+    runPending();
+    EXPECT_EQ(calls, 2);
+}
+
 TEST_F(EventLoopTest, callsAgainAndAgainWhileSomethingIsReadable) {
     const auto descriptor = readableDescriptor();
     int calls = 0;
@@ -224,6 +252,87 @@ TEST_F(EventLoopTest, letsEachSourceBeDestroyedFromItsOwnCallback) {
         runPending();
         EXPECT_EQ(calls, expected);
     }
+}
+
+TEST_F(EventLoopTest, goesOnAfterWorkOfEveryKindThatFails) {
+    const SignalMask mask;
+    const auto descriptor = readableDescriptor();
+    int failures = 0;
+    const auto fail = [&] {
+        ++failures;
+        throw std::bad_alloc();
+    };
+    std::unique_ptr<MainLoop::Source> source;
+    const std::vector<std::function<void()>> makers = {
+        [&] { loop->post(fail); }, [&] { source = loop->after(0ms, fail); },
+        [&] { source = loop->every(1s, fail); },
+        [&] { source = loop->whenReadable(descriptor.number(), fail); },
+        [&] {
+            source = std::move(loop->onSignals({SIGUSR1}, fail).front());
+            kill(getpid(), SIGUSR1);
+        }};
+    int expected = 0;
+    for (const auto& make : makers) {
+        make();
+        ++expected;
+        ASSERT_TRUE(runUntil([&] { return failures >= expected; }));
+        source.reset();
+        bool later = false;
+        loop->post([&] { later = true; });
+        ASSERT_TRUE(runUntil([&] { return later; }));
+        expected = failures;
+    }
+    loop->post([&] { loop->exit(7); });
+    EXPECT_EQ(loop->run(), 7);
+}
+
+TEST_F(EventLoopTest, doesWorkThatWasPostedAfterOneThatFails) {
+    std::vector<int> order;
+    loop->post([&] {
+        order.push_back(1);
+        throw std::runtime_error("failure");
+    });
+    loop->post([&] { order.push_back(2); });
+    runPending();
+    EXPECT_EQ(order, (std::vector<int>{1, 2}));
+}
+
+TEST_F(EventLoopTest, callsADescriptorsWorkAgainAfterItFailed) {
+    const auto descriptor = readableDescriptor();
+    int calls = 0;
+    std::unique_ptr<MainLoop::Source> watch;
+    watch = loop->whenReadable(descriptor.number(), [&] {
+        if (++calls < 3) {
+            throw std::bad_alloc();
+        }
+        watch.reset();
+    });
+    runPending();
+    EXPECT_EQ(calls, 3);
+}
+
+TEST_F(EventLoopTest, needsNoMemoryToCallWork) {
+    /// Work that can be kept, but no longer be copied.
+    struct Uncopiable {
+        explicit Uncopiable(int& callCount, const bool& fails)
+            : calls(callCount), copyFails(fails) {}
+        Uncopiable(const Uncopiable& other) : calls(other.calls), copyFails(other.copyFails) {
+            if (copyFails) {
+                throw std::bad_alloc();
+            }
+        }
+        Uncopiable& operator=(const Uncopiable&) = delete;
+        ~Uncopiable() = default;
+        void operator()() const { ++calls; }
+
+        int& calls;
+        const bool& copyFails;
+    };
+    int calls = 0;
+    bool copyFails = false;
+    const auto timer = loop->after(0ms, Uncopiable(calls, copyFails));
+    copyFails = true;
+    ASSERT_TRUE(runUntil([&] { return calls == 1; }));
 }
 
 TEST_F(EventLoopTest, callsForEachOfItsSignals) {

@@ -309,6 +309,10 @@ TEST(Json, refusesOneValueMoreAndCountsContainersToo) {
     EXPECT_TRUE(isRefused("[[]" + repeated(",[]", maximumJsonValues - 1) + "]"));
 }
 
+TEST(Json, refusesTwoMillionValues) {
+    EXPECT_TRUE(isRefused(zeros(2'000'000)));
+}
+
 TEST(Json, refusesThirtyMegabytesOfShortNumbers) {
     EXPECT_TRUE(isRefused(zeros(15'000'000)));
 }

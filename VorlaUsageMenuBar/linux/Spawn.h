@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "linux/FileDescriptor.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vorla {
+
+struct SpawnRequest {
+    enum class Leads { processGroup, session };
+
+    /// Absolute; the program's own name in its arguments, too.
+    std::string path;
+    /// Those after its name.
+    std::vector<std::string> arguments = {};
+    /// "NAME=value" each; the environment of this process if there is nothing.
+    std::optional<std::vector<std::string>> environment = std::nullopt;
+    /// Descriptors of ours for the standard streams; -1 stands for the null device.
+    int input = -1;
+    int output = -1;
+    int errors = -1;
+    /// What the child is the leader of from its start.
+    Leads leads = Leads::processGroup;
+};
+
+struct SpawnedChild {
+    /// Also that of its process group.
+    pid_t number = 0;
+    /// A pidfd; readable once the child has ended.
+    FileDescriptor handle;
+};
+
+/// Starts a child with default signal handling, no signal blocked and nothing open but its standard
+/// streams. Throws std::system_error, and leaves neither child nor descriptor behind then.
+SpawnedChild spawn(SpawnRequest request);
+
+/// Takes back a child that has just been started, with all of its process group.
+void killAndCollect(pid_t number);
+
+/// Whether there is a file that this process may execute.
+bool isProgram(const std::string& path);
+
+} // namespace vorla

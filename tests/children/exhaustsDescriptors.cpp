@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// Opens files until the system refuses, says why and exits with status 4.
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+int main() {
+    while (open("/dev/null", O_RDONLY) >= 0) {}
+    std::fputs(std::strerror(errno), stderr);
+    return 4;
+}
