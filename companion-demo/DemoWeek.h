@@ -35,6 +35,17 @@ struct DemoHabit {
     double rhythm = 0;
 };
 
+// At its quietest still two points in nine minutes, so that a pace shows soon after the start; at
+// its busiest just short of the whole window.
+inline constexpr DemoHabit fiveHourHabit = {"5h", 300, 83, 0.2};
+inline constexpr DemoHabit weeklyHabit = {"weekly", 10080, 93, 0.9};
+// Runs dry some minutes before each full hour: the way to see a block.
+inline constexpr DemoHabit largeTasksHourlyHabit = {"large-tasks-hourly", 60, 115, 0};
+inline constexpr DemoHabit largeTasksWeeklyHabit = {"large-tasks-weekly", 10080, 55, 0.9};
+
+/// A window with less than this left is worth a notification.
+inline constexpr std::int64_t lowPercent = 20;
+
 /// The work done from the epoch to `time`, in seconds of average work: least at three in the night
 /// (UTC, since the demonstration knows no home), most at three in the afternoon.
 inline double workUntil(std::int64_t time, double rhythm) {
@@ -81,13 +92,10 @@ struct DemoWeek {
     static DemoWeek at(std::int64_t now) {
         return {
             .now = now,
-            // At its quietest still two points in nine minutes, so that a pace shows soon after the
-            // start; at its busiest just short of the whole window.
-            .fiveHour = windowAt({"5h", 300, 83, 0.2}, now),
-            .weekly = windowAt({"weekly", 10080, 93, 0.9}, now),
-            // Runs dry some minutes before each full hour: the way to see a block.
-            .largeTasksHourly = windowAt({"large-tasks-hourly", 60, 115, 0}, now),
-            .largeTasksWeekly = windowAt({"large-tasks-weekly", 10080, 55, 0.9}, now)};
+            .fiveHour = windowAt(fiveHourHabit, now),
+            .weekly = windowAt(weeklyHabit, now),
+            .largeTasksHourly = windowAt(largeTasksHourlyHabit, now),
+            .largeTasksWeekly = windowAt(largeTasksWeeklyHabit, now)};
     }
 };
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "Decimal.h"
 #include "DemoWeek.h"
+#include "WebPage.h"
+#include "WebServer.h"
 
-#include <array>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
@@ -16,20 +18,9 @@
 namespace vorla {
 namespace {
 
-/// A window with less than this left is worth a notification.
-constexpr std::int64_t lowPercent = 20;
-
 /// None of the demonstration's texts holds a character that JSON would escape.
 std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
-}
-
-/// With two decimal places, whatever the locale.
-std::string decimal(double value) {
-    std::array<char, 64> digits{};
-    const auto end = std::to_chars(
-        digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 2);
-    return {digits.data(), end.ptr};
 }
 
 std::string joined(const std::vector<std::string>& parts) {
@@ -216,12 +207,16 @@ int refused(const char* sentence) {
 
 int run(std::span<char* const> arguments) {
     const std::string_view argument = arguments.size() == 2 ? arguments[1] : "";
-    if (argument != "--json" && argument != "--diagnostics-json") {
-        return refused("The demonstration knows only --json and --diagnostics-json.\n");
+    if (argument != "--json" && argument != "--diagnostics-json" && argument != "--web") {
+        return refused("The demonstration knows only --json, --diagnostics-json and --web.\n");
     }
     const std::optional<std::int64_t> now = demoNow();
     if (!now) {
         return refused("VORLA_DEMO_NOW must be whole seconds since 1970.\n");
+    }
+    if (argument == "--web") {
+        // Nothing changes the environment, so what was a moment just now stays one.
+        return serve([] { return webPage(DemoWeek::at(demoNow().value())); });
     }
     const DemoWeek week = DemoWeek::at(*now);
     return printed(argument == "--json" ? snapshot(week) : diagnostics(week));

@@ -13,8 +13,9 @@ public:
 
     virtual ~Clipboard() = default;
 
-    /// Replaces the clipboard's content by this text. The answer arrives on the main thread, exactly
-    /// once, never from inside the call, and not once the clipboard object has been destroyed.
+    /// Replaces the clipboard's content by this text. The answer arrives on the main thread,
+    /// exactly once, never from inside the call, and not once the clipboard object has been
+    /// destroyed.
     virtual void copy(std::string text, std::function<void(Outcome)> answer) = 0;
 };
 

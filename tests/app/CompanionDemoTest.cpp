@@ -1,21 +1,34 @@
 // SPDX-License-Identifier: MIT
+#include "app/Command.h"
+#include "app/Environment.h"
+#include "fakes/ManualLoop.h"
+#include "linux/FileDescriptor.h"
+#include "linux/ProcessLauncher.h"
+#include "model/AddressScanner.h"
+#include "model/DiagnosticDocument.h"
 #include "model/Json.h"
 #include "model/SessionPaceTracker.h"
 #include "model/Usage.h"
 
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <ctime>
+#include <fcntl.h>
+#include <netinet/in.h>
 #include <optional>
 #include <set>
 #include <spawn.h>
 #include <string>
 #include <string_view>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -105,6 +118,96 @@ std::set<std::string> eventKeys(const Usage& usage) {
         keys.insert(event.key);
     }
     return keys;
+}
+
+/// The demonstration's dashboard, for as long as a test needs it.
+class DemoServer final {
+public:
+    explicit DemoServer(std::int64_t now) {
+        std::string program = VORLA_DEMO_COMPANION;
+        std::string argument = "--web";
+        std::string variable = "VORLA_DEMO_NOW=" + std::to_string(now);
+        const std::array<char*, 3> arguments = {program.data(), argument.data(), nullptr};
+        const std::array<char*, 2> environment = {variable.data(), nullptr};
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        output_ = FileDescriptor(ends[0]);
+        const FileDescriptor writeEnd(ends[1]);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, writeEnd.number(), STDOUT_FILENO);
+        EXPECT_EQ(
+            posix_spawn(
+                &number_, program.c_str(), &actions, nullptr, arguments.data(), environment.data()),
+            0);
+        posix_spawn_file_actions_destroy(&actions);
+    }
+
+    ~DemoServer() {
+        if (number_ > 0) {
+            end(SIGKILL);
+        }
+    }
+
+    DemoServer(const DemoServer&) = delete;
+    DemoServer& operator=(const DemoServer&) = delete;
+
+    /// Waits for it.
+    std::string firstLine() const {
+        std::string line;
+        char byte = 0;
+        while (read(output_.number(), &byte, 1) == 1 && byte != '\n') {
+            line += byte;
+        }
+        return line;
+    }
+
+    /// Sends the signal and waits; the exit code, or the signal's number below zero.
+    int end(int signal) {
+        kill(number_, signal);
+        int status = 0;
+        EXPECT_GT(waitpid(std::exchange(number_, -1), &status, 0), 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+private:
+    pid_t number_ = -1;
+    FileDescriptor output_;
+};
+
+/// The digits behind the host.
+std::string portIn(const std::string& text) {
+    constexpr std::string_view start = "http://127.0.0.1:";
+    const auto position = text.find(start);
+    if (position == std::string::npos) {
+        ADD_FAILURE() << "no address: " << text;
+        return "";
+    }
+    const std::string rest = text.substr(position + start.size());
+    return rest.substr(0, rest.find('/'));
+}
+
+FileDescriptor connectTo(const std::string& port) {
+    FileDescriptor connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
+    EXPECT_EQ(
+        connect(connection.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+        0);
+    return connection;
+}
+
+/// The whole answer to one request, up to the end of the connection.
+std::string fetched(const std::string& port, const std::string& path) {
+    const FileDescriptor connection = connectTo(port);
+    const std::string request =
+        "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + port + "\r\nConnection: close\r\n\r\n";
+    EXPECT_EQ(
+        write(connection.number(), request.data(), request.size()),
+        static_cast<ssize_t>(request.size()));
+    return readToEnd(dup(connection.number()));
 }
 
 } // namespace
@@ -238,23 +341,107 @@ TEST(CompanionDemo, printsADiagnosticDocumentOfTheKnownVersion) {
     EXPECT_GT(members.size(), 1U);
 }
 
+TEST(CompanionDemo, printsADiagnosticDocumentThatCanBeCopied) {
+    const DemoRun run = runDemo({"--diagnostics-json"}, std::to_string(monday));
+    EXPECT_NE(
+        normalizedDiagnosticDocument(run.output).find("\"name\": \"clock/readable\""),
+        std::string::npos);
+}
+
+TEST(CompanionDemo, printsWhereItServesItsPageAndEndsWhenItIsAskedTo) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        DemoServer server(monday);
+        const std::string line = server.firstLine();
+        EXPECT_EQ(line, "Serving on http://127.0.0.1:" + portIn(line) + "/ (Ctrl-C to stop)");
+        EXPECT_EQ(server.end(signal), 0);
+    }
+}
+
+TEST(CompanionDemo, endsAlsoWhileAVisitorSaysNothing) {
+    DemoServer server(monday);
+    const FileDescriptor silent = connectTo(portIn(server.firstLine()));
+    EXPECT_EQ(server.end(SIGTERM), 0);
+}
+
+TEST(CompanionDemo, servesAPageWithTheFiguresOfTheSnapshot) {
+    const std::int64_t now = monday + 3 * day + 100 * 60;
+    DemoServer server(now);
+    const std::string answer = fetched(portIn(server.firstLine()), "/");
+    EXPECT_EQ(answer.rfind("HTTP/1.1 200 OK\r\n", 0), 0U);
+    EXPECT_NE(answer.find("\r\nContent-Type: text/html; charset=utf-8\r\n"), std::string::npos);
+    EXPECT_NE(answer.find("<!doctype html>"), std::string::npos);
+    const std::vector<Usage::LimitBucket> buckets = snapshotAt(now).limitBuckets.value();
+    for (const Usage::LimitBucket& bucket : buckets) {
+        for (const Usage::Window& window : bucket.windows) {
+            const std::string left = std::to_string(window.remainingPercent) + "% left";
+            EXPECT_NE(answer.find("<strong>" + left), std::string::npos) << left;
+            const std::string used = "width=\"" + std::to_string(window.usedPercent) + "\"";
+            EXPECT_NE(answer.find(used), std::string::npos) << used;
+        }
+    }
+    EXPECT_NE(answer.find("<polyline"), std::string::npos);
+    EXPECT_EQ(server.end(SIGTERM), 0);
+}
+
+TEST(CompanionDemo, servesNothingThatAsksForAnythingElse) {
+    DemoServer server(monday);
+    const std::string port = portIn(server.firstLine());
+    const std::string page = fetched(port, "/");
+    EXPECT_NE(page.find("\r\nContent-Security-Policy: default-src 'none'; "), std::string::npos);
+    for (const std::string reference :
+         {"http://", "https://", "src=", "url(", "@import", "<script"}) {
+        EXPECT_EQ(page.find(reference), std::string::npos) << reference;
+    }
+    EXPECT_EQ(fetched(port, "/other").rfind("HTTP/1.1 404 ", 0), 0U);
+    EXPECT_EQ(server.end(SIGTERM), 0);
+}
+
+TEST(CompanionDemo, givesTwoServersAPortEach) {
+    DemoServer first(monday);
+    DemoServer second(monday);
+    EXPECT_NE(first.firstLine(), second.firstLine());
+    EXPECT_EQ(first.end(SIGTERM), 0);
+    EXPECT_EQ(second.end(SIGTERM), 0);
+}
+
+TEST(CompanionDemo, isFoundAtTheAddressThatTheProgramRemembersUntilItIsStopped) {
+    ManualLoop loop;
+    LinuxProcessLauncher launcher(loop);
+    const auto command = Command::create(loop, launcher, Environment());
+    AddressScanner scanner;
+    std::optional<std::string> address;
+    command->onOutput = [&](std::string_view text) { address = scanner.scan(text); };
+    std::optional<CommandResult> result;
+    command->start(
+        VORLA_DEMO_COMPANION, "--web", [&](const CommandResult& ended) { result = ended; });
+    ASSERT_TRUE(loop.runUntil([&] { return address.has_value(); }));
+    EXPECT_EQ(fetched(portIn(*address), "/").rfind("HTTP/1.1 200 OK\r\n", 0), 0U);
+    command->stop();
+    ASSERT_TRUE(loop.runUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(result->status, 0);
+    EXPECT_EQ(result->errors, "");
+}
+
 TEST(CompanionDemo, refusesEveryOtherArgumentWithOneSentence) {
     const std::vector<std::vector<std::string>> refused = {
-        {}, {"--web"}, {""}, {"--json", "--json"}, {"--JSON"}};
+        {}, {""}, {"--json", "--json"}, {"--JSON"}, {"--web", "8080"}};
     for (const std::vector<std::string>& arguments : refused) {
         const DemoRun run = runDemo(arguments, std::to_string(monday));
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(run.output, "");
-        EXPECT_EQ(run.errors, "The demonstration knows only --json and --diagnostics-json.\n");
+        EXPECT_EQ(
+            run.errors, "The demonstration knows only --json, --diagnostics-json and --web.\n");
     }
 }
 
 TEST(CompanionDemo, refusesASettingThatIsNoMoment) {
     for (const std::string setting : {"", "soon", "1.5", "-1", "250900000001", "12 "}) {
-        const DemoRun run = runDemo({"--json"}, setting);
-        EXPECT_EQ(run.status, 2) << setting;
-        EXPECT_EQ(run.output, "");
-        EXPECT_EQ(run.errors, "VORLA_DEMO_NOW must be whole seconds since 1970.\n");
+        for (const std::string argument : {"--json", "--diagnostics-json", "--web"}) {
+            const DemoRun run = runDemo({argument}, setting);
+            EXPECT_EQ(run.status, 2) << argument << " at " << setting;
+            EXPECT_EQ(run.output, "");
+            EXPECT_EQ(run.errors, "VORLA_DEMO_NOW must be whole seconds since 1970.\n");
+        }
     }
 }
 
