@@ -3,6 +3,9 @@
 
 #include "linux/BusText.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <utility>
 
 namespace vorla {
@@ -20,6 +23,16 @@ constexpr const char* titleGuide = "5h 100% · W 100%";
 constexpr std::chrono::seconds activationTokenLife{10};
 constexpr std::size_t longestActivationToken = 1024;
 constexpr std::chrono::seconds registrationLimit{25};
+
+/// By which programs under X11 may take the focus: the time of the click in what a starter of
+/// programs would hand on. Nothing under Wayland, where it would keep a toolkit from asking for a
+/// token of its own.
+std::optional<std::string> startupId(std::uint32_t clickTime) {
+    if (clickTime == 0 || std::getenv("WAYLAND_DISPLAY") != nullptr) {
+        return std::nullopt;
+    }
+    return "VorlaUsageMenuBar-" + std::to_string(getpid()) + "_TIME" + std::to_string(clickTime);
+}
 
 /// An icon's name, its pixels, title and body.
 using ToolTip = std::tuple<std::string, std::vector<Pixmap>, std::string, std::string>;
@@ -151,7 +164,9 @@ void StatusNotifierItem::keepActivationToken(const std::string& token) {
 
 std::optional<std::string> StatusNotifierItem::takeActivationToken() {
     activationTokenLimit_.reset();
-    return std::exchange(activationToken_, std::nullopt);
+    auto ownId = startupId(menu_.takeChoiceTime());
+    auto token = std::exchange(activationToken_, std::nullopt);
+    return token ? std::move(token) : std::move(ownId);
 }
 
 } // namespace vorla
