@@ -33,7 +33,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::rebuildMenu() {
     state_.refreshing = refreshCommand_ != nullptr;
-    state_.copyingDiagnostic = diagnosticCommand_ != nullptr;
+    state_.copyingDiagnostic = diagnosticCommand_ != nullptr || isCopying_;
+    state_.loginItemStatus = platform_.loginItem.status();
+    state_.quotaNotificationsEnabled = platform_.preferences.boolean(notificationsEnabledKey);
     platform_.statusItem.show(composeMenu(state_, platform_.clock.now()));
 }
 
@@ -50,11 +52,19 @@ void AppDelegate::chosen(MenuAction action) {
         applicationShouldTerminate();
         return;
     case MenuAction::openDashboard:
+        openDashboard();
+        return;
     case MenuAction::openFennic:
+        openFennic();
+        return;
     case MenuAction::toggleLaunchAtLogin:
+        toggleLaunchAtLogin();
+        return;
     case MenuAction::toggleQuotaNotifications:
+        toggleQuotaNotifications();
+        return;
     case MenuAction::copyDiagnosticSnapshot:
-        rebuildMenu();
+        copyDiagnosticSnapshot();
         return;
     case MenuAction::none:
         return;
@@ -71,6 +81,7 @@ void AppDelegate::applicationShouldTerminate() {
     }
     quitting_ = true;
     timer_.reset();
+    fennicWindow_.reset();
     for (const auto& command : commands()) {
         if (command != nullptr) {
             command->stop();

@@ -5,8 +5,14 @@
 #include "app/CompanionLookup.h"
 #include "model/SessionPaceTracker.h"
 #include "model/StatusMenu.h"
+#include "ports/AddressOpener.h"
+#include "ports/Clipboard.h"
 #include "ports/Clock.h"
+#include "ports/FennicLauncher.h"
+#include "ports/LoginItem.h"
 #include "ports/MainLoop.h"
+#include "ports/NotificationCentre.h"
+#include "ports/Preferences.h"
 #include "ports/ProcessLauncher.h"
 #include "ports/StatusItem.h"
 
@@ -14,6 +20,11 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vorla {
 
@@ -23,6 +34,12 @@ struct Platform {
     const Clock& clock;
     StatusItem& statusItem;
     ProcessLauncher& launcher;
+    Preferences& preferences;
+    LoginItem& loginItem;
+    NotificationCentre& notificationCentre;
+    Clipboard& clipboard;
+    AddressOpener& addressOpener;
+    FennicLauncher& fennicLauncher;
     CompanionPlaces companionPlaces;
     /// Called once when the application may end: its children have.
     std::function<void()> replyToTerminate;
@@ -34,6 +51,9 @@ struct Platform {
 /// in flight and blocks a second one; its completion clears it.
 class AppDelegate final : StatusItem::Listener {
 public:
+    static constexpr std::string_view notificationsEnabledKey = "quotaNotificationsEnabled";
+    static constexpr std::string_view notifiedEventsKey = "notifiedQuotaEvents";
+
     static constexpr std::chrono::seconds refreshInterval{60};
     /// A session that ends kills what is left five seconds after it asked. By then a child that
     /// ignores the request has been killed for a second and a half; one that still stands cannot
@@ -69,6 +89,37 @@ private:
     void refreshFailed(std::string error);
     void adopt(Usage usage);
 
+    void openDashboard();
+    void dashboardFinished(const CommandResult& result);
+    void dashboardFailed(std::string error);
+
+    void openFennic();
+
+    void toggleLaunchAtLogin();
+
+    void copyDiagnosticSnapshot();
+    void diagnosticFinished(const CommandResult& result);
+    void copyToClipboard(std::string document);
+    void diagnosticEnded(std::string status);
+
+    void toggleQuotaNotifications();
+    void decideOnNotifications(AuthorizationStatus status);
+    void enableNotifications();
+    void disableNotifications(std::optional<std::string> error);
+    void evaluateNotifications(const Usage& usage);
+    void postNotifications(const std::vector<Usage::NotificationEvent>& events);
+    void notificationAnswered(const std::string& key, const std::optional<std::string>& error);
+
+    /// `work` for somebody who may call it when the delegate is gone: then it does nothing.
+    template <typename Work>
+    auto whileAlive(Work work) {
+        return [alive = std::weak_ptr(alive_), work = std::move(work)](auto&&... arguments) {
+            if (alive.lock() != nullptr) {
+                work(std::forward<decltype(arguments)>(arguments)...);
+            }
+        };
+    }
+
     std::array<std::shared_ptr<Command>, 3> commands() const;
     void replyToTerminate();
 
@@ -79,10 +130,19 @@ private:
     std::shared_ptr<Command> refreshCommand_;
     std::shared_ptr<Command> dashboardCommand_;
     std::shared_ptr<Command> diagnosticCommand_;
+    /// The diagnostic document is on its way to the clipboard.
+    bool isCopying_ = false;
+    /// Where the running dashboard can be seen, once it has said so.
+    std::optional<std::string> dashboardAddress_;
+    /// Present while the task-fit window is open.
+    std::unique_ptr<FennicWindow> fennicWindow_;
+    /// Keys of notifications that have been handed to the desktop and not yet answered.
+    std::set<std::string, std::less<>> pendingNotificationKeys_;
     bool quitting_ = false;
     std::unique_ptr<MainLoop::Source> terminationTimer_;
     std::size_t childrenToWaitFor_ = 0;
     bool replied_ = false;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 } // namespace vorla

@@ -4,6 +4,7 @@
 #include "model/Json.h"
 #include "model/Text.h"
 
+#include <new>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -63,6 +64,9 @@ void AppDelegate::refreshFinished(const CommandResult& result) {
             adopt(Usage::decode(result.output));
         } catch (const DecodeError&) {
             refreshFailed(invalidText);
+        } catch (const std::bad_alloc&) {
+            // No snapshot of the companion's is that large.
+            refreshFailed(invalidText);
         }
     }
 }
@@ -74,18 +78,22 @@ void AppDelegate::refreshFailed(std::string error) {
 }
 
 void AppDelegate::adopt(Usage usage) {
-    // Estimates come from a copy, so that a snapshot that is refused leaves no trace in the
-    // history.
-    auto tracker = paceTracker_;
-    auto pace = tracker.observe(usage);
-    if (!textsCanHold(usage, pace)) {
+    if (!textsCanHold(usage, {})) {
         refreshFailed(invalidText);
         return;
     }
-    paceTracker_ = std::move(tracker);
+    auto pace = paceTracker_.observe(usage);
+    if (!textsCanHold(usage, pace)) {
+        // The absurd time may be this one, or the one at which the period began: with that kept, no
+        // later snapshot would be better.
+        paceTracker_ = {};
+        refreshFailed(invalidText);
+        return;
+    }
     state_.pace = std::move(pace);
     state_.usage = std::move(usage);
     state_.error.reset();
+    evaluateNotifications(*state_.usage);
     rebuildMenu();
 }
 

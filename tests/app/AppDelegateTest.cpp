@@ -18,6 +18,7 @@ namespace {
 constexpr auto loading = "Loading Vorla usage…";
 constexpr auto missing = "vorla-usage missing. Install in ~/.local/bin or PATH, then Refresh.";
 constexpr auto timedOut = "vorla-usage timed out. Try Refresh.";
+constexpr auto collecting = "Weekly runway: collecting session data";
 constexpr auto invalid = "Invalid JSON from vorla-usage. Install v0.5 or newer, then Refresh.";
 
 /// A snapshot with one weekly window, fetched at `fetchedAt`, and whatever else is given.
@@ -28,7 +29,23 @@ std::string weeklySnapshot(double fetchedAt, int remaining, const std::string& m
            R"(,"windowDurationMins":10080,"resetsAt":1763500000}])" + more + "}";
 }
 
-class AppDelegateTest : public Application, public testing::Test {};
+class AppDelegateTest : public Application, public testing::Test {
+protected:
+    /// The refresh in flight, or else the next one, brings this snapshot.
+    void refreshWith(const std::string& snapshot) {
+        choose(LineRole::refresh);
+        finishRun(snapshot);
+    }
+
+    /// Four snapshots, a hundred seconds and one point apart, make an estimate.
+    void expectPaceFrom(double fetchedAt) {
+        for (int number = 0; number < 4; ++number) {
+            refreshWith(weeklySnapshot(fetchedAt + 100 * number, 60 - number));
+        }
+        EXPECT_TRUE(item.text(LineRole::weeklyPace).starts_with("Weekly pace: "))
+            << item.text(LineRole::weeklyPace);
+    }
+};
 
 LaunchMode modeOf(std::vector<std::string> arguments) {
     std::vector<char*> pointers;
@@ -221,7 +238,7 @@ TEST_F(AppDelegateTest, aFailureToStartClearsTheFigures) {
 TEST_F(AppDelegateTest, showsThePaceOnceThereIsEnoughHistory) {
     launch();
     finishRun(weeklySnapshot(1000, 80));
-    EXPECT_EQ(item.text(LineRole::weeklyPace), "Weekly runway: collecting session data");
+    EXPECT_EQ(item.text(LineRole::weeklyPace), collecting);
     for (int minute = 1; minute <= 3; ++minute) {
         choose(LineRole::refresh);
         finishRun(weeklySnapshot(1000 + 100 * minute, 80 - minute));
@@ -267,20 +284,74 @@ TEST_F(AppDelegateTest, acceptsSuchANumberWhereNoTextIsMadeOfIt) {
     EXPECT_EQ(item.last().title, "W 80%");
 }
 
-TEST_F(AppDelegateTest, aRunwayThatNoTextCanHoldIsInvalidAndLeavesNoTrace) {
+TEST_F(AppDelegateTest, aRunwayThatNoTextCanHoldIsInvalidAndCostsOnlyTheHistory) {
     launch();
     // Time goes by so fast that the observed rate is next to nothing.
-    finishRun(weeklySnapshot(1000, 80));
-    for (const double fetchedAt : {2000.0, 3000.0}) {
-        choose(LineRole::refresh);
-        finishRun(weeklySnapshot(fetchedAt, 80));
-    }
-    choose(LineRole::refresh);
-    finishRun(weeklySnapshot(1e300, 78));
+    refreshWith(weeklySnapshot(1000, 80));
+    refreshWith(weeklySnapshot(2000, 80));
+    refreshWith(weeklySnapshot(3000, 80));
+    refreshWith(weeklySnapshot(1e300, 78));
     EXPECT_EQ(errorLine(), invalid);
+    EXPECT_EQ(item.last().title, "Vorla ?");
+    refreshWith(weeklySnapshot(4000, 77));
+    EXPECT_EQ(item.line(LineRole::error), std::nullopt);
+    EXPECT_EQ(item.last().title, "W 77%");
+    EXPECT_EQ(item.text(LineRole::weeklyPace), collecting);
+    expectPaceFrom(5000);
+}
+
+TEST_F(AppDelegateTest, anAbsurdTimeAtTheStartOfAPeriodCostsOnlyTheHistory) {
+    launch();
+    refreshWith(weeklySnapshot(-1e300, 90));
+    for (const double fetchedAt : {1000.0, 2000.0}) {
+        refreshWith(weeklySnapshot(fetchedAt, 90));
+        EXPECT_EQ(item.text(LineRole::weeklyPace), collecting);
+    }
+    refreshWith(weeklySnapshot(3000, 80));
+    EXPECT_EQ(errorLine(), invalid);
+    refreshWith(weeklySnapshot(4000, 80));
+    EXPECT_EQ(item.line(LineRole::error), std::nullopt);
+    EXPECT_EQ(item.last().title, "W 80%");
+    expectPaceFrom(5000);
+}
+
+TEST_F(AppDelegateTest, aSnapshotThatIsInvalidForAnotherNumberLeavesTheHistoryAlone) {
+    launch();
+    refreshWith(weeklySnapshot(1000, 80));
+    refreshWith(weeklySnapshot(1100, 79));
+    refreshWith(weeklySnapshot(1200, 78));
+    // As a sample it would be the last one needed, and would begin another period besides.
+    refreshWith(weeklySnapshot(
+        1250, 99,
+        R"(,"pressureCheck":{"blocked":false,"bucketLabel":"a","windowLabel":"b",)"
+        R"("deltaPoints":1e300,"classification":"on_track"})"));
+    EXPECT_EQ(errorLine(), invalid);
+    refreshWith(weeklySnapshot(1300, 77));
+    EXPECT_EQ(item.text(LineRole::weeklyPace), "Weekly pace: 36%/hr · ~2h 8m");
+}
+
+TEST_F(AppDelegateTest, aRefreshLeavesTheProblemsOfOtherFeaturesInView) {
+    launch();
+    loginItem.failure = "broken.";
+    choose(LineRole::launchAtLogin);
+    choose(LineRole::quotaNotifications);
+    notificationCentre.answerSettings(AuthorizationStatus::denied);
+    const auto expectBoth = [&] {
+        EXPECT_EQ(item.text(LineRole::loginItemError), "Launch at Login: broken.");
+        EXPECT_EQ(
+            item.text(LineRole::notificationError),
+            "Notifications denied. Enable them in System Settings.");
+    };
+    expectBoth();
+    refreshWith(snapshotNamed("full.json"));
+    expectBoth();
+    refreshWith("{");
+    EXPECT_EQ(errorLine(), invalid);
+    expectBoth();
+    launcher.launchError = std::errc::permission_denied;
     choose(LineRole::refresh);
-    finishRun(weeklySnapshot(4000, 77));
-    EXPECT_EQ(item.text(LineRole::weeklyPace), "Weekly pace: 3.6%/hr · ~21h 23m");
+    EXPECT_EQ(errorLine(), "Cannot run vorla-usage: Permission denied");
+    expectBoth();
 }
 
 TEST_F(AppDelegateTest, makesAFreshMenuWhenItIsAboutToOpen) {

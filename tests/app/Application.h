@@ -2,8 +2,14 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "fakes/FakeAddressOpener.h"
+#include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeFennicLauncher.h"
 #include "fakes/FakeLauncher.h"
+#include "fakes/FakeLoginItem.h"
+#include "fakes/FakeNotificationCentre.h"
+#include "fakes/FakePreferences.h"
 #include "fakes/FakeStatusItem.h"
 #include "fakes/ManualLoop.h"
 
@@ -27,6 +33,12 @@ public:
             .clock = clock,
             .statusItem = item,
             .launcher = launcher,
+            .preferences = preferences,
+            .loginItem = loginItem,
+            .notificationCentre = notificationCentre,
+            .clipboard = clipboard,
+            .addressOpener = addressOpener,
+            .fennicLauncher = fennicLauncher,
             .companionPlaces =
                 {.environment = Environment({"VORLA_USAGE_EXECUTABLE=" + executable}),
                  .homeDirectory = "/nonexistent",
@@ -65,6 +77,12 @@ public:
     FakeClock clock;
     FakeStatusItem item;
     FakeLauncher launcher;
+    FakePreferences preferences;
+    FakeLoginItem loginItem;
+    FakeNotificationCentre notificationCentre;
+    FakeClipboard clipboard;
+    FakeAddressOpener addressOpener;
+    FakeFennicLauncher fennicLauncher;
     int replies = 0;
     std::unique_ptr<AppDelegate> delegate;
 };

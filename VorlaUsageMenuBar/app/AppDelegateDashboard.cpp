@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+
+#include "model/AddressScanner.h"
+#include "model/Text.h"
+
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+constexpr auto missingText = "vorla-usage missing. Install it, then retry.";
+constexpr auto cannotOpenText = "Cannot open dashboard: ";
+constexpr auto stoppedText = "Dashboard stopped: ";
+constexpr std::size_t errorCharacters = 200;
+
+} // namespace
+
+void AppDelegate::openDashboard() {
+    if (dashboardCommand_ != nullptr) {
+        if (dashboardAddress_) {
+            platform_.addressOpener.open(
+                *dashboardAddress_, platform_.statusItem.takeActivationToken());
+        }
+        rebuildMenu();
+        return;
+    }
+    if (quitting_) {
+        return;
+    }
+    const auto path = findCompanion(platform_.companionPlaces);
+    if (!path) {
+        dashboardFailed(missingText);
+        return;
+    }
+    dashboardCommand_ =
+        Command::create(platform_.loop, platform_.launcher, platform_.companionPlaces.environment);
+    state_.dashboardError.reset();
+    dashboardCommand_->onOutput = [this,
+                                   scanner = AddressScanner()](std::string_view text) mutable {
+        if (auto address = scanner.scan(text)) {
+            dashboardAddress_ = std::move(address);
+        }
+    };
+    try {
+        dashboardCommand_->start(
+            *path, "--web", [this](const CommandResult& result) { dashboardFinished(result); });
+    } catch (const std::system_error& error) {
+        dashboardCommand_.reset();
+        dashboardFailed(cannotOpenText + error.code().message());
+    }
+}
+
+void AppDelegate::dashboardFinished(const CommandResult& result) {
+    if (quitting_) {
+        return;
+    }
+    dashboardCommand_.reset();
+    dashboardAddress_.reset();
+    if (result.status != 0) {
+        const auto reason = text::firstCharacters(result.errors, errorCharacters);
+        dashboardFailed(stoppedText + std::string(reason));
+    }
+}
+
+void AppDelegate::dashboardFailed(std::string error) {
+    state_.dashboardError = std::move(error);
+    rebuildMenu();
+}
+
+} // namespace vorla

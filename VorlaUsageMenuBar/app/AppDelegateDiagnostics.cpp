@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+
+#include "model/DiagnosticDocument.h"
+#include "model/Json.h"
+#include "model/Text.h"
+
+#include <new>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace vorla {
+
+namespace {
+
+constexpr auto missingText = "vorla-usage missing. Install it, then retry.";
+constexpr auto cannotRunText = "Cannot run diagnostics: ";
+constexpr auto timedOutText = "Diagnostic snapshot timed out.";
+constexpr auto invalidText = "Invalid diagnostic output from vorla-usage.";
+constexpr auto copiedText = "Diagnostic snapshot copied.";
+constexpr auto noClipboardText = "Cannot copy the diagnostic snapshot: no clipboard is available. "
+                                 "Run vorla-usage --diagnostics-json in Terminal.";
+constexpr std::size_t errorCharacters = 200;
+
+std::string failureText(const CommandResult& result) {
+    const auto errors = text::trimmed(result.errors);
+    if (!errors.empty()) {
+        return std::string(text::firstCharacters(errors, errorCharacters));
+    }
+    return "Diagnostic snapshot failed (" + std::to_string(result.status) + ").";
+}
+
+} // namespace
+
+void AppDelegate::copyDiagnosticSnapshot() {
+    if (diagnosticCommand_ != nullptr || isCopying_ || quitting_) {
+        return;
+    }
+    const auto path = findCompanion(platform_.companionPlaces);
+    if (!path) {
+        diagnosticEnded(missingText);
+        return;
+    }
+    diagnosticCommand_ =
+        Command::create(platform_.loop, platform_.launcher, platform_.companionPlaces.environment);
+    state_.diagnosticStatus.reset();
+    rebuildMenu();
+    try {
+        diagnosticCommand_->start(*path, "--diagnostics-json", [this](const CommandResult& result) {
+            diagnosticFinished(result);
+        });
+    } catch (const std::system_error& error) {
+        diagnosticCommand_.reset();
+        diagnosticEnded(cannotRunText + error.code().message());
+    }
+}
+
+void AppDelegate::diagnosticFinished(const CommandResult& result) {
+    if (quitting_) {
+        return;
+    }
+    diagnosticCommand_.reset();
+    if (result.timedOut) {
+        diagnosticEnded(timedOutText);
+    } else if (result.status != 0) {
+        diagnosticEnded(failureText(result));
+    } else {
+        try {
+            copyToClipboard(normalizedDiagnosticDocument(result.output));
+        } catch (const DecodeError&) {
+            diagnosticEnded(invalidText);
+        } catch (const std::bad_alloc&) {
+            diagnosticEnded(invalidText);
+        }
+    }
+}
+
+void AppDelegate::copyToClipboard(std::string document) {
+    isCopying_ = true;
+    rebuildMenu();
+    platform_.clipboard.copy(std::move(document), whileAlive([this](Clipboard::Outcome outcome) {
+                                 isCopying_ = false;
+                                 if (!quitting_) {
+                                     diagnosticEnded(
+                                         outcome == Clipboard::Outcome::copied ? copiedText
+                                                                               : noClipboardText);
+                                 }
+                             }));
+}
+
+void AppDelegate::diagnosticEnded(std::string status) {
+    state_.diagnosticStatus = std::move(status);
+    rebuildMenu();
+}
+
+} // namespace vorla
