@@ -38,8 +38,7 @@ SettingsTool::SettingsTool(
 
 SettingsTool::~SettingsTool() {
     if (number_ != 0) {
-        ::kill(-number_, SIGKILL);
-        waitpid(number_, nullptr, WNOHANG);
+        killAndCollect(number_);
     }
 }
 

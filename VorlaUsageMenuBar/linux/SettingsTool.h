@@ -16,7 +16,7 @@ namespace vorla {
 
 /// One run of a small tool that prints one short answer and ends. Main thread.
 ///
-/// Destroying it kills a tool that still runs.
+/// Destroying it kills and collects a tool that still runs.
 class SettingsTool final {
 public:
     /// What is read of an answer; a tool that prints more than a pipe holds never ends by itself.

@@ -6,8 +6,7 @@
 #include <unistd.h>
 
 int main() {
-    if (fcntl(STDOUT_FILENO, F_SETFL, O_DIRECT) != 0 ||
-        write(STDOUT_FILENO, "", 0) != 0) {
+    if (fcntl(STDOUT_FILENO, F_SETFL, O_DIRECT) != 0 || write(STDOUT_FILENO, "", 0) != 0) {
         return 99;
     }
     print(fileNamedBy("OUTPUT"), stdout);

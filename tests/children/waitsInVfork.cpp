@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stands still in vfork(2), where no request to end is heard: its child, in a session of its own and
-// without the streams, waits until told to go on.
+// Stands still in vfork(2), where no request to end is heard: its child, in a session of its own
+// and without the streams, waits until told to go on.
 #include "Go.h"
 #include "Ready.h"
 
@@ -11,7 +11,8 @@
 
 int main() {
     // As vfork(), but with memory of its own for the child, which may then do what it likes.
-    const long child = syscall(SYS_clone, CLONE_VFORK | SIGCHLD, nullptr, nullptr, nullptr, nullptr);
+    const long child =
+        syscall(SYS_clone, CLONE_VFORK | SIGCHLD, nullptr, nullptr, nullptr, nullptr);
     if (child != 0) {
         return child < 0 ? 99 : 0;
     }

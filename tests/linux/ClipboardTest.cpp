@@ -8,6 +8,9 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <functional>
+#include <system_error>
+#include <utility>
 
 namespace vorla {
 
@@ -20,6 +23,43 @@ const Variables x11 = {"DISPLAY=:7"};
 const Variables wayland = {"WAYLAND_DISPLAY=wayland-1", "DISPLAY=:7", "XDG_CURRENT_DESKTOP=sway"};
 const Variables gnome = {
     "WAYLAND_DISPLAY=wayland-0", "DISPLAY=:7", "XDG_CURRENT_DESKTOP=ubuntu:GNOME"};
+
+/// A main loop that has no room for one kind of source.
+class FullLoop final : public MainLoop {
+public:
+    enum class Refuses { timers, watches };
+
+    FullLoop(MainLoop& real, Refuses refuses) : real_(real), refuses_(refuses) {}
+
+    void post(std::function<void()> work) override { real_.post(std::move(work)); }
+
+    std::unique_ptr<Source>
+    after(std::chrono::milliseconds delay, std::function<void()> work) override {
+        refuse(Refuses::timers);
+        return real_.after(delay, std::move(work));
+    }
+
+    std::unique_ptr<Source>
+    every(std::chrono::seconds interval, std::function<void()> work) override {
+        refuse(Refuses::timers);
+        return real_.every(interval, std::move(work));
+    }
+
+    std::unique_ptr<Source> whenReadable(int descriptor, std::function<void()> work) override {
+        refuse(Refuses::watches);
+        return real_.whenReadable(descriptor, std::move(work));
+    }
+
+private:
+    void refuse(Refuses kind) const {
+        if (kind == refuses_) {
+            throw std::system_error(std::make_error_code(std::errc::no_space_on_device));
+        }
+    }
+
+    MainLoop& real_;
+    Refuses refuses_;
+};
 
 class ClipboardTest : public NothingLeftBehind {
 protected:
@@ -288,30 +328,36 @@ TEST_F(ClipboardTest, doesNotAnswerOnceItHasBeenDestroyed) {
     EXPECT_TRUE(outcomes.empty());
 }
 
-TEST_F(ClipboardTest, isUnavailableWhereverDescriptorsRunOut) {
-    tools.put("xclip", "recordsItsStart");
-    rlimit before = {};
-    getrlimit(RLIMIT_NOFILE, &before);
-    constexpr rlim_t onlyStandardStreams = 3;
-    const auto enough = static_cast<rlim_t>(entries("/proc/self/fd")) + 16;
-    std::vector<Outcome> answers;
-    for (rlim_t limit = onlyStandardStreams; limit <= enough; ++limit) {
+TEST_F(ClipboardTest, isUnavailableWhenTheMainLoopHasNoRoomForAToolsEnd) {
+    tools.put("wl-copy", "waitsForEver");
+    tools.put("xclip", "waitsForEver");
+    for (const auto refused : {FullLoop::Refuses::timers, FullLoop::Refuses::watches}) {
+        FullLoop full(loop(), refused);
+        DesktopClipboard shortLived(full, tools.environment(wayland));
         outcomes.clear();
-        startCopy("text", x11);
-        rlimit lowered = before;
-        lowered.rlim_cur = limit;
-        setrlimit(RLIMIT_NOFILE, &lowered);
-        // The tool is started here, and inherits the limit.
-        loop().runPending();
-        setrlimit(RLIMIT_NOFILE, &before);
+        shortLived.copy("text", [this](Outcome outcome) { outcomes.push_back(outcome); });
         ASSERT_TRUE(loop().runUntil([this] { return !outcomes.empty(); }));
-        ASSERT_EQ(outcomes.size(), 1U);
+        EXPECT_EQ(outcomes, std::vector{Outcome::unavailable});
         EXPECT_TRUE(hasNoChild());
         EXPECT_EQ(loop().timerCount(), 0U);
-        answers.push_back(outcomes.front());
     }
-    EXPECT_EQ(answers.front(), Outcome::unavailable);
-    EXPECT_EQ(answers.back(), Outcome::copied);
+}
+
+TEST_F(ClipboardTest, isUnavailableWhenTheTextCannotBeHandedOver) {
+    tools.put("wl-copy", "recordsItsStart");
+    tools.put("xclip", "recordsItsStart");
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit lowered = before;
+    lowered.rlim_cur = 10;
+    setrlimit(RLIMIT_FSIZE, &lowered);
+    const Outcome outcome = copy("more than ten bytes", wayland);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, signalBefore);
+    EXPECT_EQ(outcome, Outcome::unavailable);
+    EXPECT_FALSE(tools.wasStarted("wl-copy"));
+    EXPECT_FALSE(tools.wasStarted("xclip"));
 }
 
 } // namespace vorla

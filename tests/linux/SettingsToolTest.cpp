@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 
+#include <cerrno>
 #include <system_error>
 
 namespace vorla {
@@ -21,6 +23,12 @@ std::string child(const std::string& name) {
 
 class SettingsToolTest : public testing::Test {
 protected:
+    void TearDown() override {
+        tool.reset();
+        EXPECT_EQ(waitid(P_ALL, 0, nullptr, WEXITED | WNOHANG | WNOWAIT), -1);
+        EXPECT_EQ(errno, ECHILD);
+    }
+
     void start(const std::vector<std::string>& command) {
         tool.emplace(loop, command, limit, [this](const SettingsTool::Result& newResult) {
             ++answers;

@@ -26,7 +26,8 @@ struct BusError {
 int checked(int result, const char* what);
 
 /// A message: written value by value before it is sent, or read value by value once it has come in.
-/// What does not fit the signature, a text that the bus does not take included, throws std::system_error.
+/// What does not fit the signature, a text that the bus does not take included, throws
+/// std::system_error.
 class Message final {
 public:
     /// Takes over the caller's reference.
