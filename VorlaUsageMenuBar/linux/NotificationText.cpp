@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/NotificationText.h"
 
+#include "linux/BusText.h"
 #include "model/Text.h"
 
 namespace vorla {
@@ -20,7 +21,7 @@ std::string bounded(std::string_view text, std::size_t maximumBytes) {
             kept.push_back(byte);
         }
     }
-    return std::string(text::fittingCharacters(text::repaired(kept), maximumBytes));
+    return std::string(text::fittingCharacters(busText(kept), maximumBytes));
 }
 
 std::string escaped(std::string_view text) {
