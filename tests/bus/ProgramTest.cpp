@@ -11,14 +11,17 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
-#include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
-#include <functional>
+#include <iterator>
 #include <list>
-#include <optional>
+#include <stdexcept>
+#include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace vorla {
@@ -63,8 +66,10 @@ public:
         posix_spawn_file_actions_init(&actions);
         const int created = O_WRONLY | O_CREAT | O_TRUNC;
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out().c_str(), created, 0600);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err().c_str(), created, 0600);
+        posix_spawn_file_actions_addopen(
+            &actions, STDOUT_FILENO, outputFile().c_str(), created, 0600);
+        posix_spawn_file_actions_addopen(
+            &actions, STDERR_FILENO, errorFile().c_str(), created, 0600);
         const int error = posix_spawn(
             &number_, VORLA_PROGRAM, &actions, nullptr, pointersTo(arguments).data(),
             pointersTo(variables).data());
@@ -102,12 +107,12 @@ public:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-    std::string output() const { return contentOf(out()); }
-    std::string errors() const { return contentOf(err()); }
+    std::string output() const { return contentOf(outputFile()); }
+    std::string errors() const { return contentOf(errorFile()); }
 
 private:
-    std::string out() const { return files_ + ".out"; }
-    std::string err() const { return files_ + ".err"; }
+    std::string outputFile() const { return files_ + ".out"; }
+    std::string errorFile() const { return files_ + ".err"; }
 
     std::string files_;
     pid_t number_ = 0;
