@@ -35,7 +35,7 @@ QNetworkProxy systemProxyFor(const QUrl& url) {
             return proxy;
         }
     }
-    return QNetworkProxy(QNetworkProxy::NoProxy);
+    return {QNetworkProxy::NoProxy};
 }
 
 QByteArray requestTarget(const QUrl& url) {
@@ -166,7 +166,7 @@ std::optional<QUrl> FennicCheck::redirection() const {
     if (!keepsMethod || !location || redirects_ >= maximumRedirects) {
         return std::nullopt;
     }
-    const QUrl next = url_.resolved(QUrl::fromEncoded(
+    QUrl next = url_.resolved(QUrl::fromEncoded(
         QByteArray(location->data(), static_cast<qsizetype>(location->size())), QUrl::StrictMode));
     if (!next.isValid() || !isSameOrigin(next, settings_.url)) {
         return std::nullopt;

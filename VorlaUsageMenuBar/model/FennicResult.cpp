@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace vorla {
 
@@ -28,10 +29,9 @@ constexpr Word verdicts[] = {
 constexpr std::int64_t mostOfLittleQuota = 15;
 constexpr std::int64_t mostOfLimitedQuota = 40;
 
-template <std::size_t count>
-std::optional<std::string_view> labelOf(const Word (&words)[count], std::string_view code) {
-    const auto* word = std::ranges::find(words, code, &Word::code);
-    if (word == std::end(words)) {
+std::optional<std::string_view> labelOf(std::span<const Word> words, std::string_view code) {
+    const auto word = std::ranges::find(words, code, &Word::code);
+    if (word == words.end()) {
         return std::nullopt;
     }
     return word->label;
