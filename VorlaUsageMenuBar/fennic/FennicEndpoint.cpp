@@ -12,7 +12,7 @@ constexpr int defaultPort = 443;
 } // namespace
 
 std::optional<QUrl> FennicEndpoint::url() const {
-    const QUrl url(scheme + QLatin1StringView("://") + host + path, QUrl::StrictMode);
+    QUrl url(scheme + QLatin1StringView("://") + host + path, QUrl::StrictMode);
     // A host that brings along more than a name and a port would lead somewhere else.
     const bool isExact = url.isValid() && !url.host().isEmpty() && url.userInfo().isEmpty() &&
                          url.path() == path && !url.hasQuery() && !url.hasFragment();

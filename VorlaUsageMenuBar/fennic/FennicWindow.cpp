@@ -66,9 +66,9 @@ QColor blended(const QColor& colour, const QColor& background, double share) {
     const auto mix = [share](int foregroundPart, int backgroundPart) {
         return static_cast<int>(foregroundPart * share + backgroundPart * (1 - share));
     };
-    return QColor(
+    return {
         mix(colour.red(), background.red()), mix(colour.green(), background.green()),
-        mix(colour.blue(), background.blue()));
+        mix(colour.blue(), background.blue())};
 }
 
 } // namespace

@@ -102,7 +102,9 @@ private:
 // some file systems cannot do it at all.
 void syncFolder(const std::filesystem::path& folder) {
     const FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    fsync(descriptor.number());
+    if (descriptor.isOpen()) {
+        fsync(descriptor.number());
+    }
 }
 
 } // namespace

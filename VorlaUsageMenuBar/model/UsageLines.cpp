@@ -148,7 +148,7 @@ std::string budgetText(const Usage::Budget& budget) {
 }
 
 std::string bucketWindowText(const Usage::Window& window, double now) {
-    const auto main =
+    const auto* const main =
         std::ranges::find(mainWindows, window.windowDurationMins, &MainWindow::durationMins);
     std::string text = main != mainWindows.end()
                            ? std::string(main->label)
