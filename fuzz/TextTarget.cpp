@@ -155,7 +155,9 @@ void checkLabels(std::string_view bytes) {
     require(plain.empty() == bytes.empty(), "a text becomes a label");
     require(doubled.empty() == bytes.empty(), "a text becomes a menu label");
     const std::string single = withoutDoubling(doubled);
-    require(single == "\uFFFD" || plain.starts_with(single), "both labels say the same");
+    // Each ill-formed byte takes three, each underscore two: no more than this, and nothing is cut.
+    const bool isWhole = bytes.size() * 6 <= maximumLabelBytes;
+    require(!isWhole || single == "\uFFFD" || plain == single, "both labels say the same");
 }
 
 } // namespace
