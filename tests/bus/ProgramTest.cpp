@@ -184,7 +184,7 @@ protected:
 
     void expectNoCompanionLeft() {
         for (const auto& companion : companions_) {
-            EXPECT_TRUE(runUntilEnded(companion.number()));
+            ASSERT_TRUE(runUntilEnded(companion.number()));
         }
     }
 
