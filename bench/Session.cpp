@@ -83,7 +83,9 @@ Nanoseconds Session::floorStartUpTime() {
 }
 
 void Session::waitForTitle(const std::string& title) {
-    require(loop_.runUntil([&] { return title_ == title; }), "the new title");
+    // A long output takes a second, but half a minute and more on a machine that has a lot to do.
+    constexpr std::chrono::minutes limit{5};
+    require(loop_.runUntil([&] { return title_ == title; }, limit), "the new title");
 }
 
 void Session::refresh(std::size_t outputBytes) {

@@ -33,7 +33,8 @@ double timePerByte(Session& session, LinuxProcessLauncher& launcher, std::size_t
         }
     };
     command->start(VORLA_BENCH_COMPANION, "dashboard", [&](const CommandResult&) { done = true; });
-    if (!session.loop().runUntil([&] { return done; }) || lastBytes != bytes) {
+    if (!session.loop().runUntil([&] { return done; }, std::chrono::minutes{5}) ||
+        lastBytes != bytes) {
         throw std::runtime_error("The output has not come as it was printed.");
     }
     return static_cast<double>((lastAt - firstAt).count()) /
