@@ -191,6 +191,12 @@ protected:
         return number;
     }
 
+    /// Waits until the one child has ended, of which the application has not been told yet.
+    static void waitUntilEnded() {
+        siginfo_t end = {};
+        ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
+    }
+
     /// Waits until the one child has stopped or ended, and returns its number.
     static pid_t waitUntilStopped() {
         siginfo_t change = {};

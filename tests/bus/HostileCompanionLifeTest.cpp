@@ -144,8 +144,7 @@ TEST_F(HostileLife, somebodyElseHoldsBackItsEnd) {
     waitUntilReady();
     expectStillRunning();
     go();
-    siginfo_t end = {};
-    ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
+    waitUntilEnded();
     loop().advance(1s);
     expectLineAndRecovery(failed(4));
 }
@@ -188,6 +187,7 @@ TEST_F(HostileLife, itLeavesADaemonThatHoldsTheStreams) {
     startWithFigures({"HOLDS=1"});
     refreshWith("leavesDaemon");
     waitUntilReady();
+    waitUntilEnded();
     loop().advance(10min);
     expectStillRunning();
     go();

@@ -218,6 +218,8 @@ TEST_F(HostileQuit, whileItsOutputGoesBackToItself) {
     for (int count = 0; count < 10; ++count) {
         replies = 0;
         startReadyRun("takesItsOutputBack");
+        waitUntilEnded();
+        loop().runPending();
         quitAfter(0ms);
         ASSERT_NO_FATAL_FAILURE(expectNothingLeft());
         go();
@@ -226,6 +228,8 @@ TEST_F(HostileQuit, whileItsOutputGoesBackToItself) {
 
 TEST_F(HostileQuit, whileADaemonHoldsTheStreams) {
     startReadyRun("leavesDaemon", {"HOLDS=1"});
+    waitUntilEnded();
+    loop().runPending();
     quitAfter(0ms);
     expectNothingLeft();
     go();
@@ -233,9 +237,7 @@ TEST_F(HostileQuit, whileADaemonHoldsTheStreams) {
 
 TEST_F(HostileQuit, betweenItsEndAndThatOfItsStreams) {
     startRun("exitsWithStatus", {"STATUS=3"});
-    // It has ended, and nobody here has been told.
-    siginfo_t end = {};
-    ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
+    waitUntilEnded();
     quitAfter(0ms);
     expectNothingLeft();
 }
@@ -244,8 +246,7 @@ TEST_F(HostileQuit, whileSomebodyElseHoldsBackItsEnd) {
     startReadyRun("endsWhileTraced");
     quitAfter(AppDelegate::terminationLimit);
     go();
-    siginfo_t end = {};
-    ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
+    waitUntilEnded();
     expectNothingLeft();
 }
 
@@ -267,8 +268,7 @@ TEST_F(HostileQuit, askedTwice) {
     item.listener->chosen(MenuAction::quit);
     delegate().terminateAtOnce();
     EXPECT_EQ(replies, 1);
-    siginfo_t end = {};
-    ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
+    waitUntilEnded();
     destroyApplication();
     EXPECT_TRUE(hasNoChild());
 }
