@@ -3,8 +3,6 @@
 
 #include "linux/Spawn.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -52,7 +50,7 @@ DetachedProcess::DetachedProcess(
     number_ = child.number;
     handle_ = std::move(child.handle);
     try {
-        watch_ = loop.whenReadable(handle_.number(), [this] { collect(); });
+        watch_.emplace(loop, handle_, [this](int status) { toolEnded(status); });
     } catch (...) {
         killAndCollect(number_);
         throw;
@@ -60,9 +58,7 @@ DetachedProcess::DetachedProcess(
 }
 
 DetachedProcess::~DetachedProcess() {
-    if (number_ != 0) {
-        waitpid(number_, nullptr, WNOHANG);
-    }
+    collect(handle_);
 }
 
 void DetachedProcess::kill() const {
@@ -72,12 +68,11 @@ void DetachedProcess::kill() const {
     }
 }
 
-void DetachedProcess::collect() {
-    int status = 0;
-    const bool isOurs = waitpid(std::exchange(number_, 0), &status, 0) > 0;
-    watch_.reset();
+void DetachedProcess::toolEnded(int status) {
+    collect(handle_);
+    number_ = 0;
     const auto ended = std::move(ended_);
-    ended(isOurs ? status : -1);
+    ended(status);
 }
 
 } // namespace vorla

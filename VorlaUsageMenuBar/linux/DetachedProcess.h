@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/ChildEndWatch.h"
 #include "linux/FileDescriptor.h"
 #include "ports/MainLoop.h"
 
 #include <sys/types.h>
 
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,11 +48,11 @@ public:
     void kill() const;
 
 private:
-    void collect();
+    void toolEnded(int status);
 
     pid_t number_ = 0;
     FileDescriptor handle_;
-    std::unique_ptr<MainLoop::Source> watch_;
+    std::optional<ChildEndWatch> watch_;
     Ended ended_;
 };
 

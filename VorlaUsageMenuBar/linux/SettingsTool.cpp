@@ -4,7 +4,6 @@
 #include "linux/Pipe.h"
 #include "linux/Spawn.h"
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -28,7 +27,7 @@ SettingsTool::SettingsTool(
     number_ = child.number;
     handle_ = std::move(child.handle);
     try {
-        watch_ = loop.whenReadable(handle_.number(), [this] { ended(); });
+        watch_.emplace(loop, handle_, [this](int status) { ended(status); });
         limit_ = loop.after(limit, [this] { timeIsUp(); });
     } catch (...) {
         killAndCollect(number_);
@@ -42,11 +41,10 @@ SettingsTool::~SettingsTool() {
     }
 }
 
-void SettingsTool::ended() {
-    int status = 0;
-    const bool isOurs = waitpid(std::exchange(number_, 0), &status, 0) > 0;
-    watch_.reset();
-    if (isOurs && WIFEXITED(status) && WEXITSTATUS(status) == 0) {
+void SettingsTool::ended(int status) {
+    collect(handle_);
+    number_ = 0;
+    if (status == 0) {
         tell({.output = readOutput()});
     } else {
         tell({});

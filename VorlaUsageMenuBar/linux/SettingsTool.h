@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/ChildEndWatch.h"
 #include "linux/FileDescriptor.h"
 #include "ports/MainLoop.h"
 
@@ -42,7 +43,7 @@ public:
     bool hasEnded() const { return number_ == 0; }
 
 private:
-    void ended();
+    void ended(int status);
     void timeIsUp();
     std::string readOutput() const;
     void tell(const Result& result);
@@ -50,7 +51,7 @@ private:
     pid_t number_ = 0;
     FileDescriptor output_;
     FileDescriptor handle_;
-    std::unique_ptr<MainLoop::Source> watch_;
+    std::optional<ChildEndWatch> watch_;
     std::unique_ptr<MainLoop::Source> limit_;
     /// Empty once it has been told.
     Finished finished_;

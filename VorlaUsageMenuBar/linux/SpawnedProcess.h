@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/ChildEndWatch.h"
 #include "linux/FileDescriptor.h"
 #include "ports/MainLoop.h"
 #include "ports/ProcessLauncher.h"
 
 #include <sys/types.h>
 
-#include <functional>
-#include <memory>
 #include <optional>
 
 namespace vorla {
@@ -20,7 +19,7 @@ namespace vorla {
 class SpawnedProcess final {
 public:
     /// Told once that the child has ended, with its exit code or the bare number of the signal.
-    using Ended = std::function<void(int status)>;
+    using Ended = ChildEndWatch::Ended;
 
     /// The descriptors become the child's standard output and standard error. Throws
     /// std::system_error, and leaves no child behind then.
@@ -32,7 +31,7 @@ public:
     SpawnedProcess(const SpawnedProcess&) = delete;
     SpawnedProcess& operator=(const SpawnedProcess&) = delete;
 
-    bool isRunning() const { return !endStatus().has_value(); }
+    bool isRunning() const { return !endStatus(handle_).has_value(); }
 
     void terminate();
     void kill();
@@ -41,14 +40,10 @@ public:
     void tell(Ended ended) { ended_ = std::move(ended); }
 
 private:
-    std::optional<int> endStatus() const;
-    void lookForEnd();
-
-    MainLoop& loop_;
     pid_t number_ = 0;
     FileDescriptor handle_;
-    std::unique_ptr<MainLoop::Source> watch_;
     Ended ended_;
+    std::optional<ChildEndWatch> watch_;
 };
 
 } // namespace vorla

@@ -3,6 +3,7 @@
 
 #include "app/AppDelegate.h"
 #include "children/NothingLeftBehind.h"
+#include "children/ReadyPipe.h"
 #include "fakes/FakeAddressOpener.h"
 #include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
@@ -12,10 +13,9 @@
 #include "fakes/FakePreferences.h"
 #include "fakes/FakeStatusItem.h"
 
-#include <poll.h>
-
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -56,15 +56,12 @@ protected:
 
     void SetUp() override {
         NothingLeftBehind::SetUp();
-        ASSERT_EQ(mkfifo(readyPath().c_str(), 0600), 0);
-        // Open for both, so that nobody waits for somebody to open the other end.
-        ready_ = FileDescriptor(open(readyPath().c_str(), O_RDWR | O_CLOEXEC));
-        ASSERT_TRUE(ready_.isOpen());
+        ready_.emplace(folder() / "ready");
     }
 
     void TearDown() override {
         delegate_.reset();
-        ready_.close();
+        ready_.reset();
         NothingLeftBehind::TearDown();
     }
 
@@ -90,7 +87,7 @@ protected:
         StatusItem* otherItem = nullptr, ProcessLauncher* otherLauncher = nullptr) {
         variables.insert(
             variables.end(),
-            {"VORLA_USAGE_EXECUTABLE=" + executable, goVariable(), "READY=" + readyPath(),
+            {"VORLA_USAGE_EXECUTABLE=" + executable, goVariable(), ready_->variable(),
              "OUTPUT=" + (folder() / "output").string(), "ERRORS=" + (folder() / "errors").string(),
              "SNAPSHOT=" VORLA_TEST_DATA "/snapshots/full.json"});
         delegate_.reset();
@@ -103,7 +100,7 @@ protected:
             .loginItem = loginItem_,
             .notificationCentre = notificationCentre_,
             .clipboard = clipboard_,
-            .addressOpener = addressOpener_,
+            .addressOpener = addressOpener,
             .fennicLauncher = fennicLauncher_,
             .companionPlaces =
                 {.environment = Environment(std::move(variables)),
@@ -181,21 +178,7 @@ protected:
     }
 
     /// Waits until a companion says so, and returns its number.
-    pid_t waitUntilReady() const {
-        pollfd watched = {ready_.number(), POLLIN, 0};
-        pid_t number = 0;
-        if (poll(&watched, 1, 30'000) != 1 ||
-            read(ready_.number(), &number, sizeof number) != sizeof number) {
-            ADD_FAILURE() << "the companion never got ready";
-        }
-        return number;
-    }
-
-    /// Waits until the one child has ended, of which the application has not been told yet.
-    static void waitUntilEnded() {
-        siginfo_t end = {};
-        ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
-    }
+    pid_t waitUntilReady() const { return ready_->next(); }
 
     /// Waits until the one child has stopped or ended, and returns its number.
     static pid_t waitUntilStopped() {
@@ -209,19 +192,17 @@ protected:
     void destroyApplication() { delegate_.reset(); }
 
     FakeStatusItem item;
+    FakeAddressOpener addressOpener;
     int replies = 0;
 
 private:
-    std::string readyPath() const { return folder() / "ready"; }
-
-    FileDescriptor ready_;
+    std::optional<ReadyPipe> ready_;
     std::ptrdiff_t descriptors_ = 0;
     FakeClock clock_;
     FakePreferences preferences_;
     FakeLoginItem loginItem_;
     FakeNotificationCentre notificationCentre_;
     FakeClipboard clipboard_;
-    FakeAddressOpener addressOpener_;
     FakeFennicLauncher fennicLauncher_;
     std::unique_ptr<AppDelegate> delegate_;
 };

@@ -144,7 +144,7 @@ TEST_F(HostileLife, somebodyElseHoldsBackItsEnd) {
     waitUntilReady();
     expectStillRunning();
     go();
-    waitUntilEnded();
+    waitUntilCollectable();
     loop().advance(1s);
     expectLineAndRecovery(failed(4));
 }
@@ -187,7 +187,7 @@ TEST_F(HostileLife, itLeavesADaemonThatHoldsTheStreams) {
     startWithFigures({"HOLDS=1"});
     refreshWith("leavesDaemon");
     waitUntilReady();
-    waitUntilEnded();
+    waitUntilCollectable();
     loop().advance(10min);
     expectStillRunning();
     go();

@@ -218,7 +218,7 @@ TEST_F(HostileQuit, whileItsOutputGoesBackToItself) {
     for (int count = 0; count < 10; ++count) {
         replies = 0;
         startReadyRun("takesItsOutputBack");
-        waitUntilEnded();
+        waitUntilCollectable();
         loop().runPending();
         quitAfter(0ms);
         ASSERT_NO_FATAL_FAILURE(expectNothingLeft());
@@ -228,7 +228,7 @@ TEST_F(HostileQuit, whileItsOutputGoesBackToItself) {
 
 TEST_F(HostileQuit, whileADaemonHoldsTheStreams) {
     startReadyRun("leavesDaemon", {"HOLDS=1"});
-    waitUntilEnded();
+    waitUntilCollectable();
     loop().runPending();
     quitAfter(0ms);
     expectNothingLeft();
@@ -237,7 +237,7 @@ TEST_F(HostileQuit, whileADaemonHoldsTheStreams) {
 
 TEST_F(HostileQuit, betweenItsEndAndThatOfItsStreams) {
     startRun("exitsWithStatus", {"STATUS=3"});
-    waitUntilEnded();
+    waitUntilCollectable();
     quitAfter(0ms);
     expectNothingLeft();
 }
@@ -246,7 +246,7 @@ TEST_F(HostileQuit, whileSomebodyElseHoldsBackItsEnd) {
     startReadyRun("endsWhileTraced");
     quitAfter(AppDelegate::terminationLimit);
     go();
-    waitUntilEnded();
+    waitUntilCollectable();
     expectNothingLeft();
 }
 
@@ -268,7 +268,7 @@ TEST_F(HostileQuit, askedTwice) {
     item.listener->chosen(MenuAction::quit);
     delegate().terminateAtOnce();
     EXPECT_EQ(replies, 1);
-    waitUntilEnded();
+    waitUntilCollectable();
     destroyApplication();
     EXPECT_TRUE(hasNoChild());
 }

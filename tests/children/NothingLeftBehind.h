@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,9 +21,20 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 
 namespace vorla {
+
+/// A descriptor that is readable once the process has ended.
+inline FileDescriptor processHandle(pid_t number) {
+    // As pidfd_open(2), whose declaration in glibc 2.36 cannot be linked from C++.
+    FileDescriptor handle(static_cast<int>(syscall(SYS_pidfd_open, number, 0)));
+    if (!handle.isOpen()) {
+        throw std::system_error(errno, std::generic_category(), "pidfd_open");
+    }
+    return handle;
+}
 
 /// A test that starts real children. At its end no child, descriptor or thread may be left.
 class NothingLeftBehind : public testing::Test {
@@ -55,6 +67,19 @@ protected:
     /// Whether every child, ended or not, has been collected.
     static bool hasNoChild() {
         return waitid(P_ALL, 0, nullptr, WEXITED | WNOHANG | WNOWAIT) != 0 && errno == ECHILD;
+    }
+
+    /// Waits until a child has ended that has not been collected yet.
+    static void waitUntilCollectable() {
+        siginfo_t end = {};
+        ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
+    }
+
+    /// Handles events until the process of this handle has ended.
+    bool runUntilEnded(const FileDescriptor& handle) {
+        bool ended = false;
+        const auto watch = loop().whenReadable(handle.number(), [&] { ended = true; });
+        return loop().runUntil([&] { return ended; });
     }
 
     /// Lets one waiting child go on.

@@ -2,6 +2,7 @@
 #include "linux/Clipboard.h"
 
 #include "children/NothingLeftBehind.h"
+#include "children/ReadyPipe.h"
 #include "linux/ToolFolder.h"
 
 #include <gtest/gtest.h>
@@ -287,6 +288,26 @@ TEST_F(ClipboardTest, leavesTheBackgroundHalfOfAToolAlone) {
     const FileDescriptor pipe(open(goPath().c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
     EXPECT_TRUE(pipe.isOpen());
     go();
+}
+
+TEST_F(ClipboardTest, isNotHeldUpByAToolWhoseEndSomebodyElseHoldsBack) {
+    const ReadyPipe ready(folder() / "ready");
+    tools.put("wl-copy", "endsWhileTraced");
+    tools.put("xclip", "recordsItsStart");
+    auto variables = wayland;
+    variables.insert(variables.end(), {goVariable(), ready.variable()});
+    startCopy("text", variables);
+    waitForTool();
+    ready.next();
+    // Whoever waited here for the tool would never return.
+    loop().runPending();
+    EXPECT_TRUE(outcomes.empty());
+    go();
+    waitUntilCollectable();
+    loop().advance(std::chrono::seconds{1});
+    ASSERT_TRUE(loop().runUntil([this] { return !outcomes.empty(); }));
+    EXPECT_EQ(outcomes, std::vector{Outcome::copied});
+    EXPECT_EQ(tools.record("xclip", "input"), "text");
 }
 
 TEST_F(ClipboardTest, answersEachOfSeveralCopies) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/SettingsTool.h"
 
+#include "children/ReadyPipe.h"
 #include "fakes/ManualLoop.h"
 #include "linux/TemporaryFolder.h"
 
@@ -109,6 +110,28 @@ TEST_F(SettingsToolTest, isNotHeldUpByAGrandchildThatKeepsThePipeOpen) {
     unsetenv("GO");
     EXPECT_EQ(result.output, "the answer");
     std::ofstream(go) << '1';
+}
+
+TEST_F(SettingsToolTest, isNotHeldUpByAToolWhoseEndSomebodyElseHoldsBack) {
+    const TemporaryFolder folder;
+    const ReadyPipe ready(folder.at("ready"));
+    const auto go = folder.at("go");
+    ASSERT_EQ(mkfifo(go.c_str(), 0600), 0);
+    setenv("GO", go.c_str(), 1);
+    setenv("READY", folder.at("ready").c_str(), 1);
+    start({child("endsWhileTraced")});
+    ready.next();
+    unsetenv("GO");
+    unsetenv("READY");
+    // Whoever waited here for the tool would never return.
+    loop.runPending();
+    EXPECT_EQ(answers, 0);
+    std::ofstream(go) << '1';
+    ASSERT_EQ(waitid(P_ALL, 0, nullptr, WEXITED | WNOWAIT), 0);
+    loop.advance(std::chrono::seconds{1});
+    ASSERT_TRUE(loop.runUntil([&] { return answers > 0; }));
+    EXPECT_EQ(result.output, std::nullopt);
+    EXPECT_TRUE(result.inTime);
 }
 
 TEST_F(SettingsToolTest, saysThatAToolCannotBeStarted) {
