@@ -87,6 +87,11 @@ void AppDelegate::applicationShouldTerminate() {
             command->stop();
         }
     }
+    if (dashboardCommand_ != nullptr) {
+        // A script that has started the server does not pass a signal on, and nobody would ever end
+        // that server.
+        dashboardCommand_->whenExited([this] { dashboardCommand_->stopRest(); });
+    }
     // The one more is for this function itself, so that no answer comes before it has returned.
     childrenToWaitFor_ = 1;
     const auto oneLess = [this] {

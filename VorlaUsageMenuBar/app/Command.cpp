@@ -60,6 +60,12 @@ void Command::kill() {
     }
 }
 
+void Command::stopRest() {
+    if (child_ != nullptr) {
+        child_->terminateRest();
+    }
+}
+
 void Command::whenExited(std::function<void()> work) {
     if (child_ == nullptr || !child_->isRunning()) {
         work();

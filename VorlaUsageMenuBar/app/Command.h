@@ -71,6 +71,10 @@ public:
     /// Kills the child and its process group at once.
     void kill();
 
+    /// Asks what the child has left behind in its process group to end. Does nothing while the
+    /// child itself runs.
+    void stopRest();
+
     /// Calls `work` once the child itself has ended, at once if it has (or never started); whether
     /// its streams have does not matter.
     void whenExited(std::function<void()> work);

@@ -83,6 +83,8 @@ public:
 
     void kill() override { process_->kill(); }
 
+    void terminateRest() override { process_->terminateRest(); }
+
 private:
     PipeReader::Callbacks callbacks(Stream stream) {
         return {

@@ -57,4 +57,11 @@ void SpawnedProcess::kill() {
     }
 }
 
+void SpawnedProcess::terminateRest() {
+    // Once somebody else has collected the child, its number may be a stranger's.
+    if (endStatus(handle_).value_or(-1) >= 0) {
+        ::kill(-number_, SIGTERM);
+    }
+}
+
 } // namespace vorla

@@ -35,6 +35,8 @@ public:
 
     void terminate();
     void kill();
+    /// To its process group, once it has ended itself.
+    void terminateRest();
 
     /// From now on `ended` is told instead.
     void tell(Ended ended) { ended_ = std::move(ended); }

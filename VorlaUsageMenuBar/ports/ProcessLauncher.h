@@ -37,6 +37,8 @@ public:
     virtual void terminate() = 0;
     /// SIGKILL to the child's process group, then to the child. Does nothing once it has ended.
     virtual void kill() = 0;
+    /// SIGTERM to what the child has left behind in its process group. Does nothing while it runs.
+    virtual void terminateRest() = 0;
 };
 
 struct LaunchRequest {

@@ -94,6 +94,17 @@ TEST_F(DashboardTest, showsTheErrorTextAsItCameUpToTwoHundredCharacters) {
     EXPECT_EQ(problem(), "Dashboard stopped:  \n" + std::string(198, 'x'));
 }
 
+TEST_F(DashboardTest, countsCharactersOfTheErrorTextAsAUserDoes) {
+    open();
+    std::string errors;
+    for (int count = 0; count < 300; ++count) {
+        errors += "e\u0301";
+    }
+    server().printError(errors);
+    server().finish(1);
+    EXPECT_EQ(problem(), "Dashboard stopped: " + errors.substr(0, 200 * 3));
+}
+
 TEST_F(DashboardTest, endsInSilenceWithStatusZero) {
     open();
     server().print("http://127.0.0.1:1000/\n");
@@ -103,8 +114,9 @@ TEST_F(DashboardTest, endsInSilenceWithStatusZero) {
     refreshMenu();
     EXPECT_EQ(item.line(LineRole::dashboardError), std::nullopt);
     open();
-    EXPECT_TRUE(addressOpener.addresses.empty());
-    EXPECT_EQ(launcher.children.size(), 3U);
+    EXPECT_EQ(launcher.children.size(), 3U) << "the next choice starts a new one";
+    open();
+    EXPECT_TRUE(addressOpener.addresses.empty()) << "the old address is gone";
 }
 
 TEST_F(DashboardTest, saysThatTheCompanionIsMissing) {
@@ -142,6 +154,29 @@ TEST_F(DashboardTest, isStoppedWithTheApplicationAndEndsInSilence) {
     server().finish(SIGTERM);
     EXPECT_EQ(replies, 1);
     EXPECT_EQ(item.shown.size(), before);
+}
+
+TEST_F(DashboardTest, whatItsStarterLeavesBehindIsEndedWithTheApplication) {
+    open();
+    choose(LineRole::quit);
+    EXPECT_FALSE(server().restTerminated);
+    server().exit(0);
+    EXPECT_TRUE(server().restTerminated);
+}
+
+TEST_F(DashboardTest, whatItsStarterHasLeftBehindEarlierIsEndedToo) {
+    open();
+    server().exit(0);
+    EXPECT_FALSE(server().restTerminated);
+    choose(LineRole::quit);
+    EXPECT_TRUE(server().restTerminated);
+}
+
+TEST_F(DashboardTest, onlyWhatADashboardLeavesBehindIsEnded) {
+    choose(LineRole::refresh);
+    choose(LineRole::quit);
+    launcher.last().exit(0);
+    EXPECT_FALSE(launcher.last().restTerminated);
 }
 
 TEST_F(DashboardTest, allThreeRunsAreStoppedAndWaitedForWhenQuitting) {

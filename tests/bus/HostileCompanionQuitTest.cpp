@@ -121,6 +121,7 @@ private:
         bool isRunning() const override { return real_->isRunning(); }
         void terminate() override {}
         void kill() override {}
+        void terminateRest() override {}
 
     private:
         std::unique_ptr<ChildProcess> real_;

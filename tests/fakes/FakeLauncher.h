@@ -58,6 +58,8 @@ public:
     LaunchRequest request;
     /// SIGTERM and SIGKILL in the order in which they were sent.
     std::vector<int> signals;
+    /// Whether what it left behind was asked to end.
+    bool restTerminated = false;
     /// False lets it have ended before anybody is told; see exit().
     bool running = true;
 
@@ -99,6 +101,8 @@ private:
         void terminate() override { send(SIGTERM); }
 
         void kill() override { send(SIGKILL); }
+
+        void terminateRest() override { child_->restTerminated |= !child_->running; }
 
     private:
         void send(int signal) {

@@ -122,6 +122,26 @@ TEST_F(ProcessLauncherTest, knowsThatAChildHasEndedBeforeItTells) {
     EXPECT_EQ(recorder.statuses, std::vector<int>{0});
 }
 
+TEST_F(ProcessLauncherTest, asksWhatAnEndedChildHasLeftBehindToEnd) {
+    const auto running = start(child("leavesGrandchild"));
+    ASSERT_TRUE(loop().runUntil([&] { return !recorder.statuses.empty(); }));
+    EXPECT_EQ(recorder.outputEnds, 0);
+    running->terminateRest();
+    ASSERT_TRUE(loop().runUntil([&] { return recorder.isComplete(); }));
+    EXPECT_EQ(recorder.output, "");
+    EXPECT_EQ(recorder.statuses, std::vector<int>{5});
+}
+
+TEST_F(ProcessLauncherTest, asksNobodyToEndForAChildThatStillRuns) {
+    const auto running = start(child("printsInTwoParts"));
+    ASSERT_TRUE(loop().runUntil([&] { return recorder.output == "ab"; }));
+    running->terminateRest();
+    go();
+    ASSERT_TRUE(loop().runUntil([&] { return recorder.isComplete(); }));
+    EXPECT_EQ(recorder.output, "abcd");
+    EXPECT_EQ(recorder.statuses, std::vector<int>{0});
+}
+
 TEST_F(ProcessLauncherTest, collectsAnEndedChildWithItsObjectAndNotBefore) {
     auto running = start(child("exitsWithStatus"), {"STATUS=0"});
     ASSERT_TRUE(loop().runUntil([&] { return recorder.isComplete(); }));
