@@ -6,7 +6,9 @@
 #include "model/Text.h"
 
 #include <new>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -29,6 +31,16 @@ std::string failureText(const CommandResult& result) {
         return std::string(text::firstCharacters(errors, errorCharacters));
     }
     return "Diagnostic snapshot failed (" + std::to_string(result.status) + ").";
+}
+
+std::optional<std::string> normalized(std::string_view output) {
+    try {
+        return normalizedDiagnosticDocument(output);
+    } catch (const DecodeError&) {
+        return std::nullopt;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace
@@ -65,14 +77,10 @@ void AppDelegate::diagnosticFinished(const CommandResult& result) {
         diagnosticEnded(timedOutText);
     } else if (result.status != 0) {
         diagnosticEnded(failureText(result));
+    } else if (auto document = normalized(result.output)) {
+        copyToClipboard(*std::move(document));
     } else {
-        try {
-            copyToClipboard(normalizedDiagnosticDocument(result.output));
-        } catch (const DecodeError&) {
-            diagnosticEnded(invalidText);
-        } catch (const std::bad_alloc&) {
-            diagnosticEnded(invalidText);
-        }
+        diagnosticEnded(invalidText);
     }
 }
 

@@ -109,10 +109,28 @@ TEST_F(DiagnosticSnapshotTest, showsTheFirstTwoHundredCharactersOfAnErrorText) {
     EXPECT_EQ(status(), std::string(200, 'x'));
 }
 
+TEST_F(DiagnosticSnapshotTest, countsCharactersOfTheErrorTextAsAUserDoes) {
+    copy();
+    std::string errors;
+    for (int count = 0; count < 300; ++count) {
+        errors += "e\u0301";
+    }
+    finishRun("", 1, errors);
+    EXPECT_EQ(status(), errors.substr(0, 200 * 3));
+}
+
 TEST_F(DiagnosticSnapshotTest, showsTheStatusWhenTheErrorTextIsBlank) {
     copy();
     finishRun("", 7, " \n\t\n ");
     EXPECT_EQ(status(), "Diagnostic snapshot failed (7).");
+}
+
+TEST_F(DiagnosticSnapshotTest, leavesTheClipboardAloneWhenTheRunFails) {
+    copy();
+    finishRun(document, 1, "no");
+    copy();
+    finishRun(document, 7);
+    EXPECT_EQ(clipboard.copies, 0);
 }
 
 TEST_F(DiagnosticSnapshotTest, clearsTheLastOutcomeWhenItStartsAgain) {
@@ -138,6 +156,15 @@ TEST_F(DiagnosticSnapshotTest, aLateCompletionChangesNothingOnceQuitting) {
     finishRun(document);
     EXPECT_EQ(item.shown.size(), before);
     EXPECT_EQ(clipboard.copies, 0);
+}
+
+TEST_F(DiagnosticSnapshotTest, aClipboardThatAnswersOnceQuittingChangesNothing) {
+    copy();
+    finishRun(document);
+    choose(LineRole::quit);
+    const auto before = item.shown.size();
+    clipboard.answer(Clipboard::Outcome::copied);
+    EXPECT_EQ(item.shown.size(), before);
 }
 
 TEST_F(DiagnosticSnapshotTest, aClipboardThatAnswersLateChangesNothing) {
