@@ -41,12 +41,15 @@ section { margin-top: 1.25rem; padding: 1.1rem 1.25rem; border-radius: .75rem;
 .row + .row { margin-top: 1rem; }
 .row div { display: flex; justify-content: space-between; gap: 1rem; }
 svg { display: block; width: 100%; height: auto; }
-.bar { height: .6rem; margin-top: .3rem; border-radius: .3rem; background: var(--track); }
+.bar { height: .6rem; margin: .35rem 0; border-radius: .3rem; background: var(--track); }
 .track { fill: none; stroke: var(--track); }
 .used { fill: var(--used); }
 .low { fill: var(--low); }
 .even { stroke: var(--quiet); stroke-dasharray: 5 5; }
 .curve { fill: none; stroke: var(--used); stroke-width: 3; stroke-linejoin: round; }
+.below { fill: var(--used); opacity: .15; }
+.label { fill: var(--quiet); font-size: 15px; }
+.axis { display: flex; justify-content: space-between; color: var(--quiet); margin: .2rem 0 .5rem; }
 </style>
 </head>
 <body>
@@ -87,10 +90,36 @@ std::string bar(std::string_view title, const DemoWindow& window, std::int64_t n
     return text;
 }
 
-std::string point(const DemoWindow& window, std::int64_t time, double used) {
+/// A place in the drawing area, as the picture spells it.
+struct Point {
+    std::string across;
+    std::string down;
+
+    std::string both() const { return across + "," + down; }
+};
+
+Point pointAt(const DemoWindow& window, std::int64_t time, double used) {
     const double elapsed =
         static_cast<double>(time - window.startsAt) / static_cast<double>(window.minutes * 60);
-    return decimal(elapsed * chartWidth) + "," + decimal(chartHeight * (1 - used / 100));
+    return {decimal(elapsed * chartWidth), decimal(chartHeight * (1 - used / 100))};
+}
+
+/// Levels to compare the curve with.
+std::string grid() {
+    std::string text;
+    for (const int percent : {25, 50, 75}) {
+        const std::string height = decimal(chartHeight * (1 - percent / 100.0));
+        text.append("<line class=\"track\" x1=\"0\" y1=\"").append(height);
+        text.append("\" x2=\"").append(decimal(chartWidth)).append("\" y2=\"").append(height);
+        text.append("\"/>\n");
+    }
+    for (const int percent : {50, 100}) {
+        constexpr double belowItsLine = 17;
+        const double height = chartHeight * (1 - percent / 100.0) + belowItsLine;
+        text.append(R"(<text class="label" x="6" y=")").append(decimal(height)).append("\">");
+        text.append(std::to_string(percent)).append("%</text>\n");
+    }
+    return text;
 }
 
 /// How the window has been used up so far, beside the line of an even pace.
@@ -100,18 +129,26 @@ curve(std::string_view title, const DemoHabit& habit, const DemoWindow& window, 
     for (int step = 0; step < chartSteps; ++step) {
         const std::int64_t time = window.startsAt + window.minutes * 60 * step / chartSteps;
         if (time < now) {
-            points += point(window, time, windowAt(habit, time).used) + " ";
+            points += pointAt(window, time, windowAt(habit, time).used).both() + " ";
         }
     }
-    points += point(window, now, window.used);
+    const Point present = pointAt(window, now, window.used);
+    points += present.both();
     const std::string width = decimal(chartWidth);
     const std::string height = decimal(chartHeight);
     std::string text = "<section><h2>";
     text.append(title).append("</h2>\n<svg viewBox=\"-2 -2 604 164\" role=\"img\" aria-label=\"");
     text.append(title).append("\">\n<rect class=\"track\" width=\"").append(width);
-    text.append("\" height=\"").append(height).append("\"/>\n<line class=\"even\" x1=\"0\" y1=\"");
+    text.append("\" height=\"").append(height).append("\"/>\n").append(grid());
+    text.append("<line class=\"even\" x1=\"0\" y1=\"");
     text.append(height).append("\" x2=\"").append(width).append("\" y2=\"0\"/>\n");
-    text.append(R"(<polyline class="curve" points=")").append(points).append("\"/>\n</svg>\n");
+    text.append(R"(<polygon class="below" points="0,)").append(height).append(" ").append(points);
+    text.append(" ").append(present.across).append(",").append(height).append("\"/>\n");
+    text.append(R"(<polyline class="curve" points=")").append(points).append("\"/>\n");
+    text.append(R"(<circle class="used" r="5" cx=")").append(present.across);
+    text.append("\" cy=\"").append(present.down).append("\"/>\n</svg>\n");
+    text.append("<div class=\"axis\"><span>start</span><span>reset in ");
+    text.append(timeLeft(window.resetsAt() - now)).append("</span></div>\n");
     text.append("<p>Used so far; dashed: an even pace up to the reset</p></section>\n");
     return text;
 }
