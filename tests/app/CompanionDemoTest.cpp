@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Command.h"
 #include "app/Environment.h"
+#include "app/LocalPage.h"
 #include "fakes/ManualLoop.h"
 #include "linux/FileDescriptor.h"
 #include "linux/ProcessLauncher.h"
@@ -12,20 +13,17 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <ctime>
 #include <fcntl.h>
-#include <netinet/in.h>
 #include <optional>
 #include <set>
 #include <spawn.h>
 #include <string>
 #include <string_view>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -45,21 +43,6 @@ struct DemoRun {
     std::string output;
     std::string errors;
 };
-
-std::string readToEnd(int descriptor) {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (;;) {
-        const ssize_t count = read(descriptor, buffer.data(), buffer.size());
-        if (count > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            break;
-        }
-    }
-    close(descriptor);
-    return text;
-}
 
 /// Runs the demonstration to its end; `now` is the text of VORLA_DEMO_NOW. What it prints on
 /// standard error is less than a pipe holds, so the two streams may be read one after the other.
@@ -174,41 +157,6 @@ private:
     pid_t number_ = -1;
     FileDescriptor output_;
 };
-
-/// The digits behind the host.
-std::string portIn(const std::string& text) {
-    constexpr std::string_view start = "http://127.0.0.1:";
-    const auto position = text.find(start);
-    if (position == std::string::npos) {
-        ADD_FAILURE() << "no address: " << text;
-        return "";
-    }
-    const std::string rest = text.substr(position + start.size());
-    return rest.substr(0, rest.find('/'));
-}
-
-FileDescriptor connectTo(const std::string& port) {
-    FileDescriptor connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
-    EXPECT_EQ(
-        connect(connection.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
-        0);
-    return connection;
-}
-
-/// The whole answer to one request, up to the end of the connection.
-std::string fetched(const std::string& port, const std::string& path) {
-    const FileDescriptor connection = connectTo(port);
-    const std::string request =
-        "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + port + "\r\nConnection: close\r\n\r\n";
-    EXPECT_EQ(
-        write(connection.number(), request.data(), request.size()),
-        static_cast<ssize_t>(request.size()));
-    return readToEnd(dup(connection.number()));
-}
 
 } // namespace
 
