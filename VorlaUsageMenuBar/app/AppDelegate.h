@@ -3,6 +3,7 @@
 
 #include "app/Command.h"
 #include "app/CompanionLookup.h"
+#include "model/AddressScanner.h"
 #include "model/SessionPaceTracker.h"
 #include "model/StatusMenu.h"
 #include "ports/AddressOpener.h"
@@ -132,6 +133,8 @@ private:
     std::shared_ptr<Command> diagnosticCommand_;
     /// The diagnostic document is on its way to the clipboard.
     bool isCopying_ = false;
+    /// Reads what the running dashboard prints.
+    AddressScanner dashboardScanner_;
     /// Where the running dashboard can be seen, once it has said so.
     std::optional<std::string> dashboardAddress_;
     /// Present while the task-fit window is open.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 
-#include "model/AddressScanner.h"
 #include "model/Text.h"
 
 #include <string>
@@ -39,9 +38,9 @@ void AppDelegate::openDashboard() {
     dashboardCommand_ =
         Command::create(platform_.loop, platform_.launcher, platform_.companionPlaces.environment);
     state_.dashboardError.reset();
-    dashboardCommand_->onOutput = [this,
-                                   scanner = AddressScanner()](std::string_view text) mutable {
-        if (auto address = scanner.scan(text)) {
+    dashboardScanner_ = {};
+    dashboardCommand_->onOutput = [this](std::string_view text) {
+        if (auto address = dashboardScanner_.scan(text)) {
             dashboardAddress_ = std::move(address);
         }
     };

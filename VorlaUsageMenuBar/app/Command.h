@@ -56,7 +56,8 @@ public:
     Command& operator=(const Command&) = delete;
 
     /// Called with all text printed so far whenever some arrives. May be set, replaced or emptied
-    /// at any time. The text is valid during the call.
+    /// at any time, also by itself: a copy is called, so what it has to remember lies elsewhere.
+    /// The text is valid during the call.
     std::function<void(std::string_view)> onOutput;
 
     /// Runs `path` with exactly one argument; "--json" and "--diagnostics-json" are limited to 45
