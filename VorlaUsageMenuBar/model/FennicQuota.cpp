@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/FennicQuota.h"
 
+#include "model/JsonObjectReader.h"
+
 #include <cmath>
 
 namespace vorla {
@@ -57,16 +59,18 @@ JsonObjectWriter FennicQuota::encode() const {
     return object;
 }
 
-FennicQuota FennicQuota::decode(const JsonValue& value) {
-    const JsonObjectReader object(value);
+FennicQuota FennicQuota::decode(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
-        .fiveHourRemainingPercent = object.optionalInteger("fiveHourRemainingPercent"),
-        .fiveHourSecondsToReset = object.optionalDecimal("fiveHourSecondsToReset"),
-        .weeklyRemainingPercent = object.optionalInteger("weeklyRemainingPercent"),
-        .weeklySecondsToReset = object.optionalDecimal("weeklySecondsToReset"),
-        .pressureSummary = object.optionalString("pressureSummary"),
-        .fiveHourObservedPercentPerHour = object.optionalDecimal("fiveHourObservedPercentPerHour"),
-        .weeklyObservedPercentPerHour = object.optionalDecimal("weeklyObservedPercentPerHour"),
+        .fiveHourRemainingPercent = reader.optional("fiveHourRemainingPercent", json::integer),
+        .fiveHourSecondsToReset = reader.optional("fiveHourSecondsToReset", json::decimal),
+        .weeklyRemainingPercent = reader.optional("weeklyRemainingPercent", json::integer),
+        .weeklySecondsToReset = reader.optional("weeklySecondsToReset", json::decimal),
+        .pressureSummary = reader.optional("pressureSummary", json::string),
+        .fiveHourObservedPercentPerHour =
+            reader.optional("fiveHourObservedPercentPerHour", json::decimal),
+        .weeklyObservedPercentPerHour =
+            reader.optional("weeklyObservedPercentPerHour", json::decimal),
     };
 }
 

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "model/FennicJson.h"
+#include "model/Json.h"
+#include "model/JsonObjectWriter.h"
 #include "model/SessionPaceTracker.h"
 #include "model/Usage.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vorla {
 
@@ -30,8 +32,8 @@ struct FennicQuota {
 
     JsonObjectWriter encode() const;
 
-    /// Throws DecodeError.
-    static FennicQuota decode(const JsonValue& value);
+    /// Throws DecodeError. `path` is the quota's place in the document.
+    static FennicQuota decode(const JsonValue& value, std::string_view path = {});
 
     bool operator==(const FennicQuota&) const = default;
 };

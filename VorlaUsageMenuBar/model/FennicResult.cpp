@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/FennicResult.h"
 
+#include "model/JsonObjectReader.h"
+
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -66,13 +68,13 @@ std::string withPercent(std::string_view label, std::int64_t percent) {
 
 FennicResult FennicResult::decode(std::string_view bytes) {
     const JsonValue document = parseJson(bytes);
-    const JsonObjectReader object(document);
+    const JsonObjectReader reader(document);
     FennicResult result = {
-        .taskSize = object.string("taskSize"),
-        .taskSizeConfidence = object.decimal("taskSizeConfidence"),
-        .fitProbability = object.decimal("fitProbability"),
-        .recommendedAction = object.string("recommendedAction"),
-        .actionConfidence = object.decimal("actionConfidence"),
+        .taskSize = reader.required("taskSize", json::string),
+        .taskSizeConfidence = reader.required("taskSizeConfidence", json::decimal),
+        .fitProbability = reader.required("fitProbability", json::decimal),
+        .recommendedAction = reader.required("recommendedAction", json::string),
+        .actionConfidence = reader.required("actionConfidence", json::decimal),
     };
     if (!isValid(result)) {
         throw DecodeError("", "Invalid Fennic result");

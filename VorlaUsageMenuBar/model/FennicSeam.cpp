@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/FennicSeam.h"
 
+#include "model/JsonObjectReader.h"
+
 namespace vorla {
 
 namespace {
@@ -23,8 +25,8 @@ JsonValue parseLine(std::string_view line) {
     return parseJson(line);
 }
 
-std::optional<std::string> activationToken(const JsonObjectReader& object) {
-    std::optional<std::string> token = object.optionalString(tokenKey);
+std::optional<std::string> activationToken(const JsonObjectReader& reader) {
+    std::optional<std::string> token = reader.optional(tokenKey, json::string);
     if (token && token->empty()) {
         return std::nullopt;
     }
@@ -42,10 +44,10 @@ std::optional<std::string> FennicOpening::encode() const {
 
 FennicOpening FennicOpening::decode(std::string_view line) {
     const JsonValue document = parseLine(line);
-    const JsonObjectReader object(document);
+    const JsonObjectReader reader(document);
     return {
-        .quota = FennicQuota::decode(object.value(quotaKey)),
-        .activationToken = vorla::activationToken(object)};
+        .quota = reader.required(quotaKey, FennicQuota::decode),
+        .activationToken = vorla::activationToken(reader)};
 }
 
 std::string FennicRaise::encode() const {
@@ -56,8 +58,8 @@ std::string FennicRaise::encode() const {
 
 FennicRaise FennicRaise::decode(std::string_view line) {
     const JsonValue document = parseLine(line);
-    const JsonObjectReader object(document);
-    return {.activationToken = vorla::activationToken(object)};
+    const JsonObjectReader reader(document);
+    return {.activationToken = vorla::activationToken(reader)};
 }
 
 } // namespace vorla

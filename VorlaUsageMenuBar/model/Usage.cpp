@@ -1,102 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "model/Usage.h"
 
-#include "model/Json.h"
+#include "model/JsonObjectReader.h"
 
 #include <algorithm>
 #include <cmath>
-#include <type_traits>
 
 namespace vorla {
 
 namespace {
 
-template <typename Content>
-const Content& expected(const JsonValue& value, const std::string& path, const char* problem) {
-    const auto* content = std::get_if<Content>(&value.content);
-    if (content == nullptr) {
-        throw DecodeError(path, problem);
-    }
-    return *content;
-}
+using json::arrayOf;
+using json::boolean;
+using json::decimal;
+using json::integer;
+using json::string;
 
-std::int64_t integer(const JsonValue& value, const std::string& path) {
-    const auto integer = expected<JsonNumber>(value, path, "not a number").integer();
-    if (!integer) {
-        throw DecodeError(path, "not an integer of 64 bits");
-    }
-    return *integer;
-}
-
-double decimal(const JsonValue& value, const std::string& path) {
-    return expected<JsonNumber>(value, path, "not a number").decimal();
-}
-
-bool boolean(const JsonValue& value, const std::string& path) {
-    return expected<bool>(value, path, "not a boolean");
-}
-
-std::string string(const JsonValue& value, const std::string& path) {
-    return expected<std::string>(value, path, "not a string");
-}
-
-/// The decoder of an array whose every element is decoded by `decodeElement`.
-template <typename Decoder>
-auto arrayOf(Decoder decodeElement) {
-    return [decodeElement](const JsonValue& value, const std::string& path) {
-        std::vector<std::invoke_result_t<Decoder, const JsonValue&, const std::string&>> decoded;
-        for (const JsonValue& element : expected<JsonArray>(value, path, "not an array")) {
-            std::string place = path;
-            place.append("[").append(std::to_string(decoded.size())).append("]");
-            decoded.push_back(decodeElement(element, place));
-        }
-        return decoded;
-    };
-}
-
-/// The members of one record of the document. Keys that nobody asks for are of no interest.
-class ObjectReader final {
-public:
-    /// `path` is the record's place in the document, empty for the document itself.
-    ObjectReader(const JsonValue& value, const std::string& path)
-        : members_(expected<JsonObject>(value, path, "not an object")), path_(path) {}
-
-    template <typename Decoder>
-    auto required(std::string_view key, Decoder decode) const {
-        const auto member = members_.find(key);
-        if (member == members_.end()) {
-            throw DecodeError(pathOf(key), "missing");
-        }
-        return decode(member->second, pathOf(key));
-    }
-
-    /// A null counts as missing.
-    template <typename Decoder>
-    auto optional(std::string_view key, Decoder decode) const {
-        const auto member = members_.find(key);
-        using Field = decltype(decode(member->second, path_));
-        if (member == members_.end() ||
-            std::holds_alternative<std::nullptr_t>(member->second.content)) {
-            return std::optional<Field>();
-        }
-        return std::optional<Field>(decode(member->second, pathOf(key)));
-    }
-
-private:
-    std::string pathOf(std::string_view key) const {
-        std::string path = path_;
-        if (!path.empty()) {
-            path += '.';
-        }
-        return path.append(key);
-    }
-
-    const JsonObject& members_;
-    const std::string& path_;
-};
-
-Usage::Window decodeWindow(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::Window decodeWindow(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .name = reader.required("name", string),
         .usedPercent = reader.required("usedPercent", integer),
@@ -106,8 +27,8 @@ Usage::Window decodeWindow(const JsonValue& value, const std::string& path) {
     };
 }
 
-Usage::LimitBucket decodeLimitBucket(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::LimitBucket decodeLimitBucket(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .id = reader.required("id", string),
         .label = reader.required("label", string),
@@ -118,8 +39,8 @@ Usage::LimitBucket decodeLimitBucket(const JsonValue& value, const std::string& 
     };
 }
 
-Usage::PressureCheck::Secondary decodeSecondary(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::PressureCheck::Secondary decodeSecondary(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .bucketLabel = reader.required("bucketLabel", string),
         .bucketIsDefault = reader.required("bucketIsDefault", boolean),
@@ -129,8 +50,8 @@ Usage::PressureCheck::Secondary decodeSecondary(const JsonValue& value, const st
     };
 }
 
-Usage::PressureCheck decodePressureCheck(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::PressureCheck decodePressureCheck(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .blocked = reader.required("blocked", boolean),
         .bucketLabel = reader.optional("bucketLabel", string),
@@ -142,24 +63,24 @@ Usage::PressureCheck decodePressureCheck(const JsonValue& value, const std::stri
     };
 }
 
-Usage::Credits::Credit decodeCredit(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::Credits::Credit decodeCredit(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .status = reader.optional("status", string),
         .expiresAt = reader.optional("expiresAt", decimal),
     };
 }
 
-Usage::Credits decodeCredits(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::Credits decodeCredits(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .availableCount = reader.required("availableCount", integer),
         .credits = reader.optional("credits", arrayOf(decodeCredit)),
     };
 }
 
-Usage::Budget decodeBudget(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::Budget decodeBudget(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .percentPerDay = reader.required("percentPerDay", decimal),
         .percentPerHour = reader.required("percentPerHour", decimal),
@@ -168,8 +89,8 @@ Usage::Budget decodeBudget(const JsonValue& value, const std::string& path) {
     };
 }
 
-Usage::NotificationEvent decodeEvent(const JsonValue& value, const std::string& path) {
-    const ObjectReader reader(value, path);
+Usage::NotificationEvent decodeEvent(const JsonValue& value, std::string_view path) {
+    const JsonObjectReader reader(value, path);
     return {
         .key = reader.required("key", string),
         .title = reader.required("title", string),
@@ -178,8 +99,7 @@ Usage::NotificationEvent decodeEvent(const JsonValue& value, const std::string& 
 }
 
 Usage decodeUsage(const JsonValue& document) {
-    const std::string root;
-    const ObjectReader reader(document, root);
+    const JsonObjectReader reader(document);
     return {
         .schemaVersion = reader.required("schemaVersion", integer),
         .fetchedAt = reader.required("fetchedAt", decimal),

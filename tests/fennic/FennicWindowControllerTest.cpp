@@ -2,6 +2,7 @@
 #include "fennic/FennicWindowController.h"
 
 #include "fennic/Desk.h"
+#include "model/JsonObjectReader.h"
 
 #include <QPointer>
 
@@ -84,7 +85,8 @@ TEST(FennicWindowController, sendsTheTextAsItStandsInTheField) {
     desk.check(text);
     const JsonValue sent = parseJson(desk.server.requests().at(0).body);
     EXPECT_EQ(
-        JsonObjectReader(sent).string("task"), "a\u00A0b\u3000c\td\u2028e\U0001F600\uFFFDf\nend");
+        JsonObjectReader(sent).required("task", json::string),
+        "a\u00A0b\u3000c\td\u2028e\U0001F600\uFFFDf\nend");
 }
 
 TEST(FennicWindowController, sendsEveryCheckWithTheSummaryItWasOpenedWith) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/FennicRequest.h"
 
+#include "model/JsonObjectReader.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -87,7 +89,7 @@ TEST(FennicRequest, escapesOnlyWhatMustBe) {
 TEST(FennicRequest, readsBackAsTheSameText) {
     const std::string task = "Line \"one\"\n\\ two \x02 \u2029 \U0001F600";
     const JsonValue document = parseJson(encodedTask(task));
-    EXPECT_EQ(JsonObjectReader(document).string("task"), task);
+    EXPECT_EQ(JsonObjectReader(document).required("task", json::string), task);
 }
 
 TEST(FennicRequest, cannotBeEncodedWithANumberThatJsonLacks) {

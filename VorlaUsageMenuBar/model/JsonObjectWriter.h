@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "model/Json.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -35,27 +33,6 @@ private:
 
     std::string members_;
     bool isExpressible_ = true;
-};
-
-/// Reads the members of one JSON object strictly: a member of another type than the one asked for
-/// throws DecodeError. A null counts as absent. Members that nobody asks for are of no interest.
-class JsonObjectReader final {
-public:
-    /// Throws DecodeError for anything but an object. Keeps a reference to it.
-    explicit JsonObjectReader(const JsonValue& value);
-
-    std::string string(std::string_view key) const;
-    double decimal(std::string_view key) const;
-    const JsonValue& value(std::string_view key) const;
-
-    std::optional<std::string> optionalString(std::string_view key) const;
-    std::optional<std::int64_t> optionalInteger(std::string_view key) const;
-    std::optional<double> optionalDecimal(std::string_view key) const;
-
-private:
-    const JsonValue* find(std::string_view key) const;
-
-    const JsonObject& members_;
 };
 
 } // namespace vorla

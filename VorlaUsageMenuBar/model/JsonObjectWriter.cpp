@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "model/FennicJson.h"
+#include "model/JsonObjectWriter.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <utility>
 
 namespace vorla {
 
@@ -42,15 +41,6 @@ void appendNumber(std::string& json, Number number) {
     std::array<char, 32> digits = {};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     json.append(digits.data(), end);
-}
-
-template <typename Content>
-const Content& expected(const JsonValue& value, std::string_view path, std::string_view problem) {
-    const auto* content = std::get_if<Content>(&value.content);
-    if (content == nullptr) {
-        throw DecodeError(path, problem);
-    }
-    return *content;
 }
 
 } // namespace
@@ -92,60 +82,6 @@ void JsonObjectWriter::addKey(std::string_view key) {
     }
     appendString(members_, key);
     members_ += ':';
-}
-
-JsonObjectReader::JsonObjectReader(const JsonValue& value)
-    : members_(expected<JsonObject>(value, "", "not an object")) {}
-
-std::string JsonObjectReader::string(std::string_view key) const {
-    return expected<std::string>(value(key), key, "not a string");
-}
-
-double JsonObjectReader::decimal(std::string_view key) const {
-    return expected<JsonNumber>(value(key), key, "not a number").decimal();
-}
-
-const JsonValue& JsonObjectReader::value(std::string_view key) const {
-    const JsonValue* member = find(key);
-    if (member == nullptr) {
-        throw DecodeError(key, "missing");
-    }
-    return *member;
-}
-
-std::optional<std::string> JsonObjectReader::optionalString(std::string_view key) const {
-    if (find(key) == nullptr) {
-        return std::nullopt;
-    }
-    return string(key);
-}
-
-std::optional<std::int64_t> JsonObjectReader::optionalInteger(std::string_view key) const {
-    const JsonValue* member = find(key);
-    if (member == nullptr) {
-        return std::nullopt;
-    }
-    const auto integer = expected<JsonNumber>(*member, key, "not a number").integer();
-    if (!integer) {
-        throw DecodeError(key, "not an integer of 64 bits");
-    }
-    return integer;
-}
-
-std::optional<double> JsonObjectReader::optionalDecimal(std::string_view key) const {
-    if (find(key) == nullptr) {
-        return std::nullopt;
-    }
-    return decimal(key);
-}
-
-const JsonValue* JsonObjectReader::find(std::string_view key) const {
-    const auto member = members_.find(key);
-    if (member == members_.end() ||
-        std::holds_alternative<std::nullptr_t>(member->second.content)) {
-        return nullptr;
-    }
-    return &member->second;
 }
 
 } // namespace vorla
