@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "linux/ProcessLauncher.h"
 
-#include "linux/FileDescriptor.h"
 #include "linux/Memory.h"
+#include "linux/Pipe.h"
 #include "linux/PipeReader.h"
 #include "linux/SpawnedProcess.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
 #include <csignal>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -36,20 +30,6 @@ namespace {
 
 /// Up to here the allocator has little to give back.
 constexpr std::size_t smallOutputBytes = std::size_t{64} << 10U;
-
-struct Pipe {
-    Pipe() {
-        std::array<int, 2> ends = {-1, -1};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw std::system_error(errno, std::generic_category(), "pipe2");
-        }
-        readEnd = FileDescriptor(ends[0]);
-        writeEnd = FileDescriptor(ends[1]);
-    }
-
-    FileDescriptor readEnd;
-    FileDescriptor writeEnd;
-};
 
 class LinuxChildProcess final : public ChildProcess {
 public:
