@@ -96,15 +96,14 @@ void Command::received(ChildProcess::Stream stream, std::string_view bytes) {
     const auto alive = shared_from_this();
     auto& capture = stream == ChildProcess::Stream::output ? output_ : errors_;
     const std::size_t kept = capture.append(bytes, whenFull_);
-    if (kept < bytes.size() && !std::exchange(overflowed_, true)) {
-        stop();
-        completeIfEnded();
-        return;
-    }
     if (stream == ChildProcess::Stream::output && kept > 0 && onOutput) {
         // It may also replace itself.
         const auto observer = onOutput;
         observer(output_.text());
+    }
+    if (kept < bytes.size() && !std::exchange(overflowed_, true)) {
+        stop();
+        completeIfEnded();
     }
 }
 

@@ -133,6 +133,30 @@ TEST_F(CommandTest, showsTheObserverAllTextSoFarAtEachDelivery) {
     EXPECT_EQ(seen, (std::vector<std::string>{"ab", "abc\uFFFD", "abc\u00E9"}));
 }
 
+TEST_F(CommandTest, showsTheObserverAllThatIsKeptOfAnOutputThatIsTooLong) {
+    std::vector<std::size_t> seen;
+    command->onOutput = [&](std::string_view text) { seen.push_back(text.size()); };
+    start("--json");
+    child().print("first");
+    child().print(std::string(Command::maximumStreamBytes, 'x'));
+    child().print("more");
+    EXPECT_EQ(child().signals, std::vector<int>{SIGTERM});
+    child().finish(SIGTERM);
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(results[0].output.size(), Command::maximumStreamBytes);
+    EXPECT_EQ(seen, (std::vector<std::size_t>{5, Command::maximumStreamBytes}));
+}
+
+TEST_F(CommandTest, letsAnObserverAbandonARunThatPrintsTooMuch) {
+    command->onOutput = [&](std::string_view) { command->abandon(); };
+    start("--json");
+    child().print(std::string(Command::maximumStreamBytes + 1, 'x'));
+    EXPECT_TRUE(child().isForgotten());
+    EXPECT_TRUE(child().signals.empty());
+    EXPECT_TRUE(results.empty());
+    EXPECT_EQ(loop.timerCount(), 0U);
+}
+
 TEST_F(CommandTest, neverCallsTheObserverOfAChildThatPrintsNothing) {
     int calls = 0;
     command->onOutput = [&](std::string_view) { ++calls; };
