@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cerrno>
-#include <span>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -51,15 +50,6 @@ bool waitForBytes(const FileDescriptor& pipe, const FileDescriptor& stop) {
     return watched[1].revents == 0;
 }
 
-ssize_t readSome(const FileDescriptor& pipe, std::span<char> buffer) {
-    for (;;) {
-        const auto length = read(pipe.number(), buffer.data(), buffer.size());
-        if (length >= 0 || errno != EINTR) {
-            return length;
-        }
-    }
-}
-
 } // namespace
 
 struct PipeReader::Shared {
@@ -96,8 +86,8 @@ void PipeReader::read(MainLoop& loop, const FileDescriptor& pipe, std::shared_pt
             if (!waitForBytes(pipe, shared->stop)) {
                 return;
             }
-            length = readSome(pipe, buffer);
-        } while (length < 0 && errno == EAGAIN);
+            length = ::read(pipe.number(), buffer.data(), buffer.size());
+        } while (length < 0 && (errno == EAGAIN || errno == EINTR));
         if (length <= 0) {
             break;
         }

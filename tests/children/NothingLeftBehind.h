@@ -1,23 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "children/ComesTrue.h"
 #include "fakes/ManualLoop.h"
 #include "linux/FileDescriptor.h"
 #include "linux/ProcessLauncher.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -102,23 +100,12 @@ protected:
         return std::distance(begin(all), end(all));
     }
 
+    /// The system lists a thread for a moment longer than it takes to join it.
     bool noThreadIsLeft() const {
         return comesTrue([this] { return entries("/proc/self/task") == threadsBefore_; });
     }
 
 private:
-    /// The system lists a thread for a moment longer than it takes to join it.
-    static bool comesTrue(const std::function<bool()>& condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{30};
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            sched_yield();
-        }
-        return true;
-    }
-
     /// A sanitizer may start a thread of its own, which stays, together with our first.
     static void letSanitizerStartItsThread() {
         std::filesystem::path task = "/proc/self/task";

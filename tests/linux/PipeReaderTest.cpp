@@ -1,21 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "linux/PipeReader.h"
 
+#include "children/ComesTrue.h"
 #include "fakes/ManualLoop.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <deque>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace vorla {
 
@@ -66,6 +75,55 @@ private:
     std::size_t mostWaiting_ = 0;
 };
 
+/// What poll(2) calls where the system still has it, and where it has not.
+#ifdef SYS_poll
+constexpr long pollCall = SYS_poll;
+#else
+constexpr long pollCall = SYS_ppoll;
+#endif
+
+std::set<pid_t> threads() {
+    std::set<pid_t> numbers;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {
+        numbers.insert(std::stoi(entry.path().filename()));
+    }
+    return numbers;
+}
+
+/// Whether the thread sleeps in this system call.
+bool waitsIn(pid_t thread, long systemCall) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/syscall");
+    long number = -1;
+    return file >> number && number == systemCall;
+}
+
+/// A signal that interrupts system calls, for as long as it lives, and does nothing else.
+class Interruption final {
+public:
+    Interruption() {
+        struct sigaction action = {};
+        action.sa_handler = [](int) { ++count; };
+        sigaction(SIGUSR1, &action, &before_);
+        count = 0;
+    }
+    ~Interruption() { sigaction(SIGUSR1, &before_, nullptr); }
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+
+    /// Interrupts `thread` in `systemCall`; returns when it waits there again.
+    static void interrupt(pid_t thread, long systemCall) {
+        ASSERT_TRUE(comesTrue([=] { return waitsIn(thread, systemCall); }));
+        const int before = count;
+        ASSERT_EQ(syscall(SYS_tgkill, getpid(), thread, SIGUSR1), 0);
+        ASSERT_TRUE(comesTrue([=] { return count > before && waitsIn(thread, systemCall); }));
+    }
+
+private:
+    static inline std::atomic<int> count = 0;
+
+    struct sigaction before_ = {};
+};
+
 class PipeReaderTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -85,6 +143,17 @@ protected:
                         longestChunk = std::max(longestChunk, bytes.size());
                     },
                 .ended = [this] { ++ends; }});
+    }
+
+    /// As startReading(); returns the thread that reads.
+    pid_t startedThread(MainLoop& loop) {
+        const auto before = threads();
+        startReading(loop);
+        const auto after = threads();
+        std::vector<pid_t> started;
+        std::ranges::set_difference(after, before, std::back_inserter(started));
+        EXPECT_EQ(started.size(), 1U);
+        return started.empty() ? 0 : started.front();
     }
 
     FileDescriptor readEnd;
@@ -143,6 +212,43 @@ TEST_F(PipeReaderTest, holdsAWriterBackWhileTheMainThreadIsBusy) {
     EXPECT_EQ(received.size(), 8 * megabyte);
     // The end itself needs no room.
     EXPECT_LE(loop.mostWaiting(), PipeReader::maximumWaitingChunks + 1);
+    reader.reset();
+}
+
+TEST_F(PipeReaderTest, goesOnWhenItIsInterruptedWhileItWaitsForBytes) {
+    ManualLoop loop;
+    const Interruption interruption;
+    const pid_t thread = startedThread(loop);
+    ASSERT_NO_FATAL_FAILURE(Interruption::interrupt(thread, pollCall));
+    ASSERT_EQ(write(writeEnd.number(), "first", 5), 5);
+    ASSERT_TRUE(loop.runUntil([&] { return received == "first"; }));
+    ASSERT_NO_FATAL_FAILURE(Interruption::interrupt(thread, pollCall));
+    loop.runPending();
+    EXPECT_EQ(ends, 0);
+    ASSERT_EQ(write(writeEnd.number(), "second", 6), 6);
+    writeEnd.close();
+    ASSERT_TRUE(loop.runUntil([&] { return ends > 0; }));
+    EXPECT_EQ(received, "firstsecond");
+    reader.reset();
+}
+
+TEST_F(PipeReaderTest, goesOnWhenItIsInterruptedWhileItWaitsForTheMainThread) {
+    BusyLoop loop;
+    const Interruption interruption;
+    const pid_t thread = startedThread(loop);
+    for (std::size_t count = 1; count <= PipeReader::maximumWaitingChunks; ++count) {
+        ASSERT_EQ(write(writeEnd.number(), "x", 1), 1);
+        ASSERT_TRUE(loop.waitFor(count));
+    }
+    ASSERT_NO_FATAL_FAILURE(Interruption::interrupt(thread, SYS_read));
+    ASSERT_EQ(write(writeEnd.number(), "y", 1), 1);
+    writeEnd.close();
+    while (ends == 0) {
+        ASSERT_TRUE(loop.waitFor(1));
+        loop.runOne();
+    }
+    EXPECT_EQ(received, std::string(PipeReader::maximumWaitingChunks, 'x') + "y");
+    EXPECT_EQ(loop.mostWaiting(), PipeReader::maximumWaitingChunks);
     reader.reset();
 }
 
