@@ -154,10 +154,12 @@ void checkLabels(std::string_view bytes) {
     require(toolTip.find_first_of("&<>") == std::string::npos, "a tooltip has no markup");
     require(plain.empty() == bytes.empty(), "a text becomes a label");
     require(doubled.empty() == bytes.empty(), "a text becomes a menu label");
+    require(toolTip.empty() == bytes.empty(), "a text becomes a tooltip");
     const std::string single = withoutDoubling(doubled);
     // Each ill-formed byte takes three, each underscore two: no more than this, and nothing is cut.
     const bool isWhole = bytes.size() * 6 <= maximumLabelBytes;
-    require(!isWhole || single == "\uFFFD" || plain == single, "both labels say the same");
+    require(!isWhole || plain == single, "both labels say the same");
+    require(single == "\uFFFD" || plain.starts_with(single), "both labels begin alike");
 }
 
 } // namespace

@@ -12,10 +12,8 @@ namespace {
 
 constexpr std::size_t maximumBytes = 4096;
 /// What must be known of a text to cut it: the code point past the limit decides whether a
-/// character ends there.
-constexpr std::size_t sufficientBytes = maximumBytes + 4;
-
-enum class Underscores { kept, doubled };
+/// character ends there, and replacing noncharacters takes up to a quarter away.
+constexpr std::size_t sufficientBytes = 2 * maximumBytes;
 
 constexpr std::string_view replacement = "\uFFFD";
 
@@ -35,23 +33,27 @@ std::size_t noncharacterLength(std::string_view text) {
     return byte(0) >= 0xF0U && (byte(1) & 0x0FU) == 0x0FU && endsAPlane(2) ? 4 : 0;
 }
 
-std::string transcribed(std::string_view text, Underscores underscores) {
+std::string transcribed(std::string_view text) {
     std::string result;
     for (const char byte : text) {
         if (result.size() >= sufficientBytes) {
             break;
         }
-        if (byte == '_' && underscores == Underscores::doubled) {
-            result.append("__");
-        } else if (byte != '\0') {
+        if (byte != '\0') {
             result.push_back(byte == '\t' ? ' ' : byte);
         }
     }
     return busText(result);
 }
 
-std::string_view fitting(std::string_view label) {
-    return text::fittingCharacters(label, maximumBytes);
+/// How many bytes of `label` fit when each underscore takes two.
+std::size_t fittingWhenDoubled(std::string_view label) {
+    std::size_t doubledBytes = 0;
+    const auto firstTooMany = std::ranges::find_if(label, [&](char byte) {
+        doubledBytes += byte == '_' ? 2 : 1;
+        return doubledBytes > maximumBytes;
+    });
+    return static_cast<std::size_t>(firstTooMany - label.begin());
 }
 
 /// A line that says something must not look empty, although none of what it says can be shown.
@@ -79,26 +81,24 @@ std::string busText(std::string_view text) {
 }
 
 std::string menuLabel(std::string_view text) {
-    const std::string label = transcribed(text, Underscores::doubled);
-    std::string_view cut = fitting(label);
-    const std::size_t lastOther = cut.find_last_not_of('_');
-    const std::size_t underscores =
-        lastOther == std::string_view::npos ? cut.size() : cut.size() - lastOther - 1;
-    // The cut may fall into a pair, since there a character ends too.
-    if (underscores % 2 == 1) {
-        cut.remove_suffix(1);
+    const std::string label = transcribed(text);
+    // Cut before the doubling, so that a character ends where it does in the text itself.
+    const auto cut = text::fittingCharacters(label, fittingWhenDoubled(label));
+    std::string doubled;
+    for (const char byte : cut) {
+        doubled.append(byte == '_' ? 2 : 1, byte);
     }
-    return orReplacement(cut, text);
+    return orReplacement(doubled, text);
 }
 
 std::string plainLabel(std::string_view text) {
-    return orReplacement(fitting(transcribed(text, Underscores::kept)), text);
+    return orReplacement(text::fittingCharacters(transcribed(text), maximumBytes), text);
 }
 
 std::string toolTipText(std::string_view text) {
     std::string plain = plainLabel(text);
     std::erase_if(plain, [](char byte) { return byte == '&' || byte == '<' || byte == '>'; });
-    return plain;
+    return orReplacement(plain, text);
 }
 
 } // namespace vorla

@@ -14,7 +14,7 @@ std::string busText(std::string_view text);
 
 /// For a menu label: `_` doubled, since a single one would mark the next letter as a mnemonic, and
 /// each tab a space, since some panels take what follows a tab for a shortcut. At most 4,096 bytes,
-/// in whole characters.
+/// cut between characters of `text`.
 std::string menuLabel(std::string_view text);
 
 /// For the title: the same bounds, but nothing doubled.

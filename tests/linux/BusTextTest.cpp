@@ -38,6 +38,18 @@ std::string utf8(char32_t codePoint) {
     return {static_cast<char>(0xF0U | codePoint >> 18U), continued(12), continued(6), continued(0)};
 }
 
+std::string withoutDoubling(const std::string& label) {
+    std::string text;
+    for (std::size_t place = 0; place < label.size(); ++place) {
+        text += label[place];
+        if (label[place] == '_') {
+            ++place;
+            EXPECT_TRUE(place < label.size() && label[place] == '_') << label;
+        }
+    }
+    return text;
+}
+
 struct Case {
     std::string text;
     std::string expected;
@@ -87,8 +99,45 @@ TEST(BusText, neverCutsADoubledUnderscoreInTwo) {
     EXPECT_EQ(menuLabel(std::string(4094, 'x') + "_\u0301"), std::string(4094, 'x'));
 }
 
+TEST(BusText, cutsBothLabelsBetweenCharactersOfTheTextItself) {
+    // A mark joins the underscore before it, a prepended sign the one after it.
+    for (const std::string& character : {"_\u0301"s, "__\u0301"s, "\u0600_"s, "\u0600__"s, "_"s}) {
+        for (std::size_t before = 4080; before <= 4096; ++before) {
+            const std::string start(before, 'x');
+            const std::string text = start + character + "y";
+            const std::string plain = plainLabel(text);
+            const std::string menu = menuLabel(text);
+            const std::string single = withoutDoubling(menu);
+            EXPECT_LE(menu.size(), 4096U);
+            EXPECT_TRUE(plain.starts_with(single)) << character << before;
+            const bool isCutBetweenCharacters =
+                single == start || single == text || single + "y" == text ||
+                (character.starts_with("__") && single == start + "_") ||
+                (character.ends_with("__") && single + "_y" == text);
+            EXPECT_TRUE(isCutBetweenCharacters) << character << before;
+        }
+    }
+    EXPECT_EQ(menuLabel(std::string(4093, 'x') + "\u0600_"), std::string(4093, 'x'));
+}
+
+TEST(BusText, cutsBothLabelsAlikeWhereThereIsNoUnderscore) {
+    for (const std::string& text :
+         {repeated("👩‍👩‍👧", 300), std::string(4096, 'x') + "\u0301",
+          repeated("\r\n", 3000), std::string(5000, '\xFF'), std::string(4095, 'x') + "\tyz"}) {
+        EXPECT_EQ(menuLabel(text), plainLabel(text)) << text.size();
+    }
+}
+
 TEST(BusText, cutsARowOfBrokenBytesAtTheLimitToo) {
     EXPECT_EQ(menuLabel(std::string(9000, '\xFF')), repeated("\uFFFD", 1365));
+}
+
+TEST(BusText, fillsALabelAlsoWithCharactersThatBecomeShorter) {
+    EXPECT_EQ(menuLabel(repeated("\U0001FFFE", 2000)), repeated("\uFFFD", 1365));
+    // Where the text is cut before its noncharacters shrink, no part of a character is left over.
+    EXPECT_EQ(
+        menuLabel(repeated("\U0001FFFE", 1000) + repeated("é", 1000)),
+        repeated("\uFFFD", 1000) + repeated("é", 548));
 }
 
 TEST(BusText, replacesNoncharacters) {
@@ -167,7 +216,7 @@ TEST(BusText, leavesUnderscoresInTitlesAlone) {
 TEST(BusText, keepsMarkupOutOfToolTips) {
     EXPECT_EQ(toolTipText("5h 87% · W 62%"), "5h 87% · W 62%");
     EXPECT_EQ(toolTipText("<b>a_b</b> &amp;"), "ba_b/b amp;");
-    EXPECT_EQ(toolTipText("&<>"), "");
+    EXPECT_EQ(toolTipText("&<>"), "\uFFFD");
 }
 
 } // namespace
