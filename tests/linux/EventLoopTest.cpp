@@ -8,11 +8,16 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <new>
 #include <optional>
+#include <set>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -42,6 +47,21 @@ protected:
 
     std::optional<EventLoop> loop{std::in_place};
 };
+
+/// By which clocks the timers of this process go: the system tells it of each of its descriptors.
+std::set<clockid_t> clocksOfTimers() {
+    std::set<clockid_t> clocks;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fdinfo")) {
+        std::ifstream file(entry.path());
+        std::string word;
+        while (file >> word) {
+            if (word == "clockid:" && file >> word) {
+                clocks.insert(std::stoi(word));
+            }
+        }
+    }
+    return clocks;
+}
 
 FileDescriptor readableDescriptor() {
     return FileDescriptor(eventfd(1, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -164,6 +184,13 @@ TEST_F(EventLoopTest, firesARepeatedTimerAgainAndAgain) {
     const auto timer = loop->every(1s, [&] { ++calls; });
     ASSERT_TRUE(runUntil([&] { return calls == 2; }));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 2s);
+}
+
+TEST_F(EventLoopTest, countsTheTimeOfASuspendForRepeatedTimersOnly) {
+    const auto tick = loop->every(60s, [] {});
+    EXPECT_EQ(clocksOfTimers(), std::set<clockid_t>{CLOCK_BOOTTIME});
+    const auto limit = loop->after(45s, [] {});
+    EXPECT_EQ(clocksOfTimers(), (std::set<clockid_t>{CLOCK_BOOTTIME, CLOCK_MONOTONIC}));
 }
 
 TEST_F(EventLoopTest, makesUpForMissedTicksWithOneCallAndStaysOnItsGrid) {
