@@ -177,6 +177,9 @@ protected:
         EXPECT_TRUE(noThreadIsLeft());
     }
 
+    /// Whether a companion has said so.
+    bool isReady() const { return ready_->hasNext(); }
+
     /// Waits until a companion says so, and returns its number.
     pid_t waitUntilReady() const { return ready_->next(); }
 
@@ -194,6 +197,8 @@ protected:
     FakeStatusItem item;
     FakeAddressOpener addressOpener;
     int replies = 0;
+
+    std::string readyPath() const { return folder() / "ready"; }
 
 private:
     std::optional<ReadyPipe> ready_;

@@ -101,6 +101,18 @@ TEST_F(HostileLife, itsGroupIsThatOfItsStarter) {
     expectKillAndRecovery();
 }
 
+TEST_F(HostileLife, itFloodsOnWhenAskedToEnd) {
+    startWithFigures();
+    refreshWith("floodsOnWhenAskedToEnd");
+    // It is asked when it has printed more than is kept.
+    ASSERT_TRUE(loop().runUntil([this] { return isReady(); }));
+    waitUntilReady();
+    loop().advance(2'999ms);
+    EXPECT_TRUE(isRefreshing());
+    loop().advance(1ms);
+    expectLineAndRecovery(std::string(300, 'x'));
+}
+
 TEST_F(HostileLife, itIsStopped) {
     startWithFigures();
     refreshWith("stopsItself");
@@ -206,6 +218,15 @@ TEST_F(HostileLife, itExhaustsItsDescriptors) {
     startWithFigures();
     refreshWith("exhaustsDescriptors");
     expectLineAndRecovery("Too many open files");
+}
+
+TEST_F(HostileLife, itExhaustsProcesses) {
+    // It becomes another user if we are root, and shall reach the test nevertheless.
+    ASSERT_EQ(chmod(folder().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(readyPath().c_str(), 0666), 0);
+    startStalling("exhaustsProcesses");
+    // All of them hold the streams, so the run could not end if one were still alive.
+    expectKillAndRecovery();
 }
 
 TEST_F(HostileLife, anyExitStatus) {

@@ -163,6 +163,22 @@ TEST_F(HostileQuit, whileNothingRuns) {
     expectNothingLeft();
 }
 
+TEST_F(HostileQuit, afterAFailure) {
+    startRun("exitsWithStatus", {"STATUS=3"});
+    ASSERT_NO_FATAL_FAILURE(expectLine(failed(3)));
+    quitAfter(0ms);
+    expectNothingLeft();
+}
+
+TEST_F(HostileQuit, beforeTheFirstRunHasEnded) {
+    companionIs("ignoresRequests");
+    makeApplication(companion());
+    delegate().applicationDidFinishLaunching();
+    waitUntilReady();
+    quitAfter(3s);
+    expectNothingLeft();
+}
+
 TEST_F(HostileQuit, whileARunGoesWell) {
     startRun("printsSnapshot");
     quitAfter(0ms);
@@ -191,6 +207,27 @@ TEST_F(HostileQuit, whileRequestsAreIgnored) {
 TEST_F(HostileQuit, whileRequestsAreIgnoredAndTimeIsUpAnyway) {
     startReadyRun("ignoresRequests");
     loop().advance(45s);
+    quitAfter(3s);
+    expectNothingLeft();
+}
+
+TEST_F(HostileQuit, whileTheDashboardIgnoresRequests) {
+    startWithFigures();
+    companionIs("ignoresRequests");
+    item.listener->chosen(MenuAction::openDashboard);
+    waitUntilReady();
+    quitAfter(3s);
+    expectNothingLeft();
+}
+
+TEST_F(HostileQuit, whileThreeRunsIgnoreRequests) {
+    startWithFigures();
+    companionIs("ignoresRequests");
+    for (const auto action :
+         {MenuAction::refresh, MenuAction::openDashboard, MenuAction::copyDiagnosticSnapshot}) {
+        item.listener->chosen(action);
+        waitUntilReady();
+    }
     quitAfter(3s);
     expectNothingLeft();
 }

@@ -28,6 +28,12 @@ public:
 
     std::string variable() const { return "READY=" + path_; }
 
+    /// Whether next() would not wait.
+    bool hasNext() const {
+        pollfd watched = {pipe_.number(), POLLIN, 0};
+        return poll(&watched, 1, 0) == 1;
+    }
+
     /// The number of the process that says next that it is ready.
     pid_t next() const {
         pollfd watched = {pipe_.number(), POLLIN, 0};
