@@ -429,6 +429,17 @@ TEST_F(AppDelegateTest, aLateCompletionChangesNothingOnceQuitting) {
     EXPECT_EQ(item.shown.size(), before);
 }
 
+TEST_F(AppDelegateTest, doesNothingForALineWithoutAction) {
+    launch();
+    finishRun(snapshotNamed("full.json"));
+    const auto before = item.shown.size();
+    item.listener->chosen(MenuAction::none);
+    loop.runPending();
+    EXPECT_EQ(item.shown.size(), before);
+    EXPECT_EQ(launcher.children.size(), 1U);
+    EXPECT_EQ(replies, 0);
+}
+
 TEST_F(AppDelegateTest, refreshesNoMoreOnceQuitting) {
     launch();
     finishRun(snapshotNamed("full.json"));

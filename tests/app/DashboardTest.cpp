@@ -179,6 +179,12 @@ TEST_F(DashboardTest, onlyWhatADashboardLeavesBehindIsEnded) {
     EXPECT_FALSE(launcher.last().restTerminated);
 }
 
+TEST_F(DashboardTest, isStartedNoMoreOnceQuitting) {
+    choose(LineRole::quit);
+    item.listener->chosen(MenuAction::openDashboard);
+    EXPECT_EQ(launcher.children.size(), 1U);
+}
+
 TEST_F(DashboardTest, allThreeRunsAreStoppedAndWaitedForWhenQuitting) {
     open();
     choose(LineRole::copyDiagnosticSnapshot);

@@ -346,6 +346,32 @@ TEST_F(HostileSystem, memoryForThreadsRunsOut) {
     expectFigures();
 }
 
+TEST_F(HostileSystem, memoryForTheDocumentRunsOut) {
+    constexpr std::size_t roomBytes = std::size_t{32} << 20U;
+    startWithFigures();
+    // Not too many values, but each takes far more memory than text.
+    std::string array = "[0";
+    for (int count = 0; count < 900'000; ++count) {
+        array += ",0";
+    }
+    makeFile("output", array + "]");
+    companionIs("printsFiles");
+    refresh();
+    {
+        const SystemLimit limit(RLIMIT_AS, addressSpaceInUse() + roomBytes);
+        expectLine(invalid);
+    }
+    item.listener->chosen(MenuAction::copyDiagnosticSnapshot);
+    {
+        const SystemLimit limit(RLIMIT_AS, addressSpaceInUse() + roomBytes);
+        EXPECT_TRUE(
+            loop().runUntil([this] { return item.line(LineRole::diagnosticStatus).has_value(); }));
+    }
+    EXPECT_EQ(item.text(LineRole::diagnosticStatus), "Invalid diagnostic output from vorla-usage.");
+    refreshWith("printsSnapshot");
+    expectFigures();
+}
+
 TEST_F(HostileSystem, watchesRunOut) {
     FullLoop full(loop());
     LinuxProcessLauncher helpless(full);
