@@ -56,7 +56,7 @@ int runMenuBar() {
     PreferencesFile preferences(configurationDirectory());
     AutostartLoginItem loginItem(LoginItemEnvironment::ofThisProcess());
     DesktopNotificationCentre notificationCentre(
-        bus, loop, clock, NotificationSettingsPlaces::ofThisProcess());
+        bus, loop, NotificationSettingsPlaces::ofThisProcess());
     DesktopClipboard clipboard(loop, environment.entries());
     DesktopAddressOpener addressOpener(loop, environment.entries());
     FennicProgramLauncher fennicLauncher(loop, environment.entries(), fennicProgramCandidates());

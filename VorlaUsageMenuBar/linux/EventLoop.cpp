@@ -134,6 +134,11 @@ void EventLoop::runPosted() {
     }
 }
 
+std::chrono::milliseconds EventLoop::now() const {
+    return std::chrono::floor<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
+}
+
 std::unique_ptr<MainLoop::Source>
 EventLoop::after(std::chrono::milliseconds delay, std::function<void()> work) {
     auto source = std::make_unique<EventSource>(std::move(work));

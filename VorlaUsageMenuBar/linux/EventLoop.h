@@ -22,6 +22,7 @@ public:
     EventLoop& operator=(const EventLoop&) = delete;
 
     void post(std::function<void()> work) override;
+    std::chrono::milliseconds now() const override;
     [[nodiscard]] std::unique_ptr<Source>
     after(std::chrono::milliseconds delay, std::function<void()> work) override;
     [[nodiscard]] std::unique_ptr<Source>

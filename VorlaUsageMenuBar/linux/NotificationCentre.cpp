@@ -25,9 +25,9 @@ AuthorizationStatus statusOf(NotificationDelivery delivery) {
 } // namespace
 
 DesktopNotificationCentre::DesktopNotificationCentre(
-    bus::Bus& bus, MainLoop& loop, const Clock& clock, const NotificationSettingsPlaces& places,
+    bus::Bus& bus, MainLoop& loop, const NotificationSettingsPlaces& places,
     std::chrono::milliseconds callLimit)
-    : loop_(loop), clock_(clock), startedAt_(clock.now()),
+    : loop_(loop), startedAt_(loop.now()),
       service_(
           bus, loop, callLimit,
           {.ownerChanged = [this](bool runs) { ownerChanged(runs); },
@@ -81,11 +81,8 @@ void DesktopNotificationCentre::waitForService() {
         settle(AuthorizationStatus::authorized);
         return;
     }
-    using Seconds = std::chrono::duration<double>;
-    const Seconds left = graceAfterStart - Seconds(clock_.now() - startedAt_);
-    // The clock may have been set meanwhile.
-    const auto grace = std::clamp(left, Seconds(usualGrace), Seconds(graceAfterStart));
-    grace_ = loop_.after(std::chrono::ceil<std::chrono::milliseconds>(grace), [this] {
+    const auto left = startedAt_ + graceAfterStart - loop_.now();
+    grace_ = loop_.after(std::max<std::chrono::milliseconds>(left, usualGrace), [this] {
         settle(AuthorizationStatus::notDetermined);
     });
 }

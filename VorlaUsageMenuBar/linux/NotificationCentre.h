@@ -4,7 +4,6 @@
 #include "linux/NotificationService.h"
 #include "linux/NotificationSwitches.h"
 #include "linux/ShownNotifications.h"
-#include "ports/Clock.h"
 #include "ports/NotificationCentre.h"
 
 #include <cstddef>
@@ -30,7 +29,7 @@ public:
     /// To be made when the application starts. Throws std::system_error if there is no connection
     /// to the bus.
     DesktopNotificationCentre(
-        bus::Bus& bus, MainLoop& loop, const Clock& clock, const NotificationSettingsPlaces& places,
+        bus::Bus& bus, MainLoop& loop, const NotificationSettingsPlaces& places,
         std::chrono::milliseconds callLimit = usualCallLimit);
 
     void getSettings(std::function<void(AuthorizationStatus)> answer) override;
@@ -56,8 +55,7 @@ private:
     void bubblesChanged();
 
     MainLoop& loop_;
-    const Clock& clock_;
-    double startedAt_ = 0;
+    std::chrono::milliseconds startedAt_{0};
     NotificationService service_;
     NotificationSwitches switches_;
     /// Who waits for the status; they all get the same answer.

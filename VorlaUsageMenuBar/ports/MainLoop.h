@@ -23,6 +23,9 @@ public:
     /// operation that is.
     virtual void post(std::function<void()> work) = 0;
 
+    /// Milliseconds since some moment in the past, on the clock of after().
+    virtual std::chrono::milliseconds now() const = 0;
+
     /// Calls `work` once. The delay does not pass while the machine sleeps (CLOCK_MONOTONIC).
     [[nodiscard]] virtual std::unique_ptr<Source>
     after(std::chrono::milliseconds delay, std::function<void()> work) = 0;

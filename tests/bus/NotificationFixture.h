@@ -3,7 +3,6 @@
 
 #include "bus/ActivatableService.h"
 #include "bus/ScriptedNotificationService.h"
-#include "fakes/FakeClock.h"
 #include "linux/NotificationCentre.h"
 #include "linux/TemporaryFolder.h"
 
@@ -26,7 +25,7 @@ protected:
 
     void makeCentre(std::chrono::milliseconds limit = generousLimit) {
         centre.emplace(
-            applicationBus, loop, clock,
+            applicationBus, loop,
             NotificationSettingsPlaces{
                 .configurationDirectory = folder.path(), .searchPath = folder.at("tools")},
             limit);
@@ -107,7 +106,6 @@ protected:
     TemporaryFolder folder;
     PrivateBus daemon;
     ManualLoop loop;
-    FakeClock clock;
     bus::Bus applicationBus = bus::Bus::open(loop.real(), daemon.address());
     std::optional<ScriptedNotificationService> service;
     std::optional<DesktopNotificationCentre> centre;

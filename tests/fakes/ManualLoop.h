@@ -18,6 +18,8 @@ class ManualLoop final : public MainLoop {
 public:
     void post(std::function<void()> work) override { loop_.post(std::move(work)); }
 
+    std::chrono::milliseconds now() const override { return now_; }
+
     [[nodiscard]] std::unique_ptr<Source>
     whenReadable(int descriptor, std::function<void()> work) override {
         return loop_.whenReadable(descriptor, std::move(work));
@@ -77,7 +79,6 @@ public:
         }));
     }
 
-    std::chrono::milliseconds now() const { return now_; }
     EventLoop& real() { return loop_; }
 
 private:

@@ -34,6 +34,8 @@ public:
 
     void post(std::function<void()> work) override { real_.post(std::move(work)); }
 
+    std::chrono::milliseconds now() const override { return real_.now(); }
+
     std::unique_ptr<Source>
     after(std::chrono::milliseconds delay, std::function<void()> work) override {
         refuse(Refuses::timers);

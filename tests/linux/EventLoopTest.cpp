@@ -161,6 +161,17 @@ TEST_F(EventLoopTest, firesATimerOnceAndNotBeforeItIsDue) {
     EXPECT_EQ(calls, 1);
 }
 
+TEST_F(EventLoopTest, tellsTheTimeByTheClockOfItsTimers) {
+    const auto realStart = std::chrono::steady_clock::now();
+    const auto start = loop->now();
+    bool fired = false;
+    const auto timer = loop->after(20ms, [&] { fired = true; });
+    ASSERT_TRUE(runUntil([&] { return fired; }));
+    const auto passed = loop->now() - start;
+    EXPECT_GE(passed, 20ms);
+    EXPECT_LE(passed, std::chrono::steady_clock::now() - realStart + 1ms);
+}
+
 TEST_F(EventLoopTest, firesATimerWithoutDelayFromTheLoopAndNotAtOnce) {
     bool fired = false;
     const auto timer = loop->after(0ms, [&] { fired = true; });

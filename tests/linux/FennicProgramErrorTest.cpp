@@ -19,6 +19,8 @@ public:
 
     void post(std::function<void()> work) override { loop_.post(std::move(work)); }
 
+    std::chrono::milliseconds now() const override { return loop_.now(); }
+
     std::unique_ptr<Source>
     after(std::chrono::milliseconds delay, std::function<void()> work) override {
         return loop_.after(delay, std::move(work));

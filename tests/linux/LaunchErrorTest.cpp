@@ -49,6 +49,8 @@ class FullLoop final : public MainLoop {
 public:
     void post(std::function<void()>) override {}
 
+    std::chrono::milliseconds now() const override { return {}; }
+
     std::unique_ptr<Source> after(std::chrono::milliseconds, std::function<void()>) override {
         return nullptr;
     }

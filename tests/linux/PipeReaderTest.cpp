@@ -40,6 +40,8 @@ public:
         changed_.notify_all();
     }
 
+    std::chrono::milliseconds now() const override { return {}; }
+
     std::unique_ptr<Source> after(std::chrono::milliseconds, std::function<void()>) override {
         return nullptr;
     }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bus/ActivatableService.h"
 #include "bus/PrivateBus.h"
-#include "fakes/FakeClock.h"
 #include "linux/FileDescriptor.h"
 #include "linux/NotificationCentre.h"
 #include "linux/TemporaryFolder.h"
@@ -80,7 +79,7 @@ protected:
             {"NO_AT_BRIDGE", "1"}};
         EXPECT_TRUE(callBus<>("UpdateActivationEnvironment", variables).results);
         variables["DBUS_SESSION_BUS_ADDRESS"] = daemon.address();
-        centre.emplace(bus, loop, clock, NotificationSettingsPlaces{folder.at("config"), ""});
+        centre.emplace(bus, loop, NotificationSettingsPlaces{folder.at("config"), ""});
     }
 
     void TearDown() override {
@@ -175,7 +174,6 @@ protected:
     Screen screen;
     PrivateBus daemon;
     ManualLoop loop;
-    FakeClock clock;
     bus::Bus bus = bus::Bus::open(loop.real(), daemon.address());
     std::map<std::string, std::string> variables;
     std::vector<std::string> offered;
