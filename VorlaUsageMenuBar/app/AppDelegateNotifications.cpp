@@ -71,6 +71,10 @@ void AppDelegate::evaluateNotifications(const Usage& usage) {
     auto events = usage.notificationEvents.value_or(std::vector<Usage::NotificationEvent>());
     platform_.notificationCentre.getSettings(
         whileAlive([this, events = std::move(events)](AuthorizationStatus status) {
+            // A desktop that is going away, as at logout, would turn the switch off for good.
+            if (quitting_) {
+                return;
+            }
             if (mayPost(status)) {
                 postNotifications(events);
             } else {

@@ -65,7 +65,9 @@ void DesktopNotificationCentre::look() {
             waitForService();
             return;
         case NotificationService::Presence::busIsGone:
-            settle(AuthorizationStatus::notDetermined);
+            settle(
+                service_.wasSeen() ? AuthorizationStatus::authorized
+                                   : AuthorizationStatus::notDetermined);
             return;
         }
     });

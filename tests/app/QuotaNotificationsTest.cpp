@@ -292,6 +292,32 @@ TEST_F(QuotaNotificationsTest, evaluateNothingAfterAFailedRun) {
     EXPECT_TRUE(notificationCentre.settingsQuestions.empty());
 }
 
+TEST_F(QuotaNotificationsTest, areLeftAsTheyAreByADesktopThatGoesAwayWhileQuitting) {
+    switchOn();
+    finishRun(snapshotWithEvents({"a"}));
+    choose(LineRole::quit);
+    notificationCentre.answerSettings(AuthorizationStatus::notDetermined);
+    EXPECT_TRUE(isOn());
+    EXPECT_EQ(problem(), "");
+}
+
+TEST_F(QuotaNotificationsTest, postNothingNewWhileQuitting) {
+    switchOn();
+    finishRun(snapshotWithEvents({"a"}));
+    choose(LineRole::quit);
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    EXPECT_TRUE(notificationCentre.posts.empty());
+}
+
+TEST_F(QuotaNotificationsTest, rememberWhatWasPostedJustBeforeQuitting) {
+    switchOn();
+    finishRun(snapshotWithEvents({"a"}));
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    choose(LineRole::quit);
+    notificationCentre.answerPosts();
+    EXPECT_EQ(remembered(), Keys{"a"});
+}
+
 TEST_F(QuotaNotificationsTest, answersThatOutliveTheDelegateChangeNothing) {
     switchOn();
     finishRun(snapshotWithEvents({"a"}));

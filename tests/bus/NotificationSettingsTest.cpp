@@ -142,6 +142,19 @@ TEST_F(NotificationSettings, areNotDeterminedAtOnceWhenTheBusIsGone) {
     EXPECT_EQ(status(), AuthorizationStatus::notDetermined);
 }
 
+TEST_F(NotificationSettings, areAuthorizedOnceAServiceWasSeenEvenWhenTheBusIsGone) {
+    startService();
+    makeCentre();
+    EXPECT_EQ(status(), AuthorizationStatus::authorized);
+    EXPECT_EQ(
+        answerOf<AuthorizationStatus>([&](const auto& answer) {
+            centre->getSettings(answer);
+            daemon.stop();
+        }),
+        AuthorizationStatus::authorized);
+    EXPECT_EQ(status(), AuthorizationStatus::authorized);
+}
+
 TEST_F(NotificationSettings, areNotDeterminedWhenTheBusGoesDuringTheQuestion) {
     makeCentre();
     catchUp();
