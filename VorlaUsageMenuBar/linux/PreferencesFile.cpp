@@ -130,8 +130,9 @@ bool PreferencesFile::store() {
         (*text + '\n' != stored.bytes && writeFileAtomically(path_, *text + '\n', 0600) != 0)) {
         return false;
     }
-    version_ = currentVersion();
     values_ = std::move(stored.values);
+    // Of no file: people and editors need no lock, so the file may be another one by now.
+    version_ = Version{};
     return true;
 }
 
@@ -146,6 +147,10 @@ void PreferencesFile::readIfChanged() {
         if (const FileLock lock(lockPath()); lock.isHeld()) {
             stored = readSettingAside();
         }
+    }
+    // What cannot be read for the moment, with too many files open for example, is not gone.
+    if (stored.error != 0 && !stored.isBroken) {
+        return;
     }
     values_ = std::move(stored.values);
     version_ = version;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/PreferencesFile.h"
 
+#include "bus/SystemLimits.h"
 #include "linux/FileDescriptor.h"
 #include "linux/TemporaryFolder.h"
 
@@ -17,6 +18,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace vorla {
@@ -145,6 +147,38 @@ TEST_F(PreferencesFileTest, honoursAnEditWithinTheSameFile) {
     EXPECT_EQ(preferences.strings("list"), Strings{"edited"});
 }
 
+/// Edits of which some fall between the writing and whatever the writer does next.
+TEST_F(PreferencesFileTest, honoursAnEditMadeWhileItWrites) {
+    for (int round = 0; round < 10; ++round) {
+        preferences.setBoolean("flag", false);
+        const auto before = fileStatus().st_ino;
+        const auto edited = folder.write("edited", R"({"flag": false, "list": ["edited"]})");
+        const auto path = folder.at(fileName);
+        std::jthread editor([&] {
+            struct stat status = {};
+            while (stat(path.c_str(), &status) == 0 && status.st_ino == before) {}
+            fs::rename(edited, path);
+        });
+        preferences.setBoolean("flag", true);
+        editor.join();
+        ASSERT_FALSE(preferences.boolean("flag")) << round;
+        ASSERT_EQ(preferences.strings("list"), Strings{"edited"}) << round;
+        fs::remove(path);
+    }
+}
+
+TEST_F(PreferencesFileTest, keepsWhatItKnowsWhileTheFileCannotBeRead) {
+    edit(R"({"flag": true, "list": ["posted"]})");
+    EXPECT_TRUE(preferences.boolean("flag"));
+    edit(R"({"flag": true, "list": ["posted", "edited"]})");
+    {
+        const SystemLimit noMoreFiles(RLIMIT_NOFILE, 0);
+        EXPECT_TRUE(preferences.boolean("flag"));
+        EXPECT_EQ(preferences.strings("list"), Strings{"posted"});
+    }
+    EXPECT_EQ(preferences.strings("list"), (Strings{"posted", "edited"}));
+}
+
 TEST_F(PreferencesFileTest, hasDefaultsAgainWhenTheFileWasDeleted) {
     preferences.setBoolean("flag", true);
     fs::remove(folder.at(fileName));
@@ -228,6 +262,33 @@ TEST_F(PreferencesFileTest, remembersForThisRunWhatCannotBeStored) {
     EXPECT_TRUE(preferences.boolean("flag"));
     EXPECT_EQ(preferences.strings("list"), Strings{"a"});
     EXPECT_FALSE(fresh().boolean("flag"));
+}
+
+/// In a process for which permissions count, also where the tests run as root.
+TEST_F(PreferencesFileTest, remembersForThisRunWhatAReadOnlyHomeRefuses) {
+    preferences.setStrings("list", {"old"});
+    const auto stored = folder.read(fileName);
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(folder.at(folderName).c_str(), 0555), 0);
+    ASSERT_EQ(chmod(folder.at(fileName).c_str(), 0444), 0);
+    const pid_t child = fork();
+    ASSERT_NE(child, -1);
+    if (child == 0) {
+        constexpr uid_t nobody = 65534;
+        const bool isBound = geteuid() != 0 || setresuid(nobody, nobody, nobody) == 0;
+        auto own = fresh();
+        const bool isRead = own.strings("list") == Strings{"old"};
+        own.setStrings("list", {"new"});
+        own.setBoolean("flag", true);
+        const bool isRemembered = own.strings("list") == Strings{"new"} && own.boolean("flag");
+        _exit(isBound && isRead && isRemembered ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(folder.read(fileName), stored);
+    ASSERT_EQ(chmod(folder.at(folderName).c_str(), 0700), 0);
+    EXPECT_EQ(folder.count(folderName), 2);
 }
 
 TEST_F(PreferencesFileTest, answersFromMemoryEvenIfTheFileChangesAfterAFailure) {
