@@ -130,10 +130,14 @@ std::vector<std::string> DesktopEntry::strings(std::string_view key) const {
 
 std::optional<bool> DesktopEntry::boolean(std::string_view key) const {
     const auto found = values_.find(key);
-    if (found == values_.end() || (found->second != "true" && found->second != "false")) {
-        return std::nullopt;
+    const auto value = found == values_.end() ? std::string_view() : found->second;
+    if (value == "true" || value == "1") {
+        return true;
     }
-    return found->second == "true";
+    if (value == "false" || value == "0") {
+        return false;
+    }
+    return std::nullopt;
 }
 
 std::string desktopEntryText(std::span<const DesktopEntryLine> lines) {

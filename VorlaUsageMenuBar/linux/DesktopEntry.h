@@ -22,7 +22,7 @@ public:
     std::optional<std::string> string(std::string_view key) const;
     /// The parts of a list; none if the key is missing.
     std::vector<std::string> strings(std::string_view key) const;
-    /// Nothing if the key is missing or neither true nor false.
+    /// Nothing if the key is missing or neither true nor false, which were 1 and 0 in old entries.
     std::optional<bool> boolean(std::string_view key) const;
 
 private:

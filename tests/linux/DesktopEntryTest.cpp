@@ -74,6 +74,13 @@ TEST(DesktopEntry, knowsTrueAndFalseOnly) {
     EXPECT_EQ(entry.boolean("E"), std::nullopt);
 }
 
+TEST(DesktopEntry, knowsTheNumbersOfOldEntriesForTrueAndFalse) {
+    const auto entry = entryWith("A=1\nB=0\nC=2\n");
+    EXPECT_EQ(entry.boolean("A"), true);
+    EXPECT_EQ(entry.boolean("B"), false);
+    EXPECT_EQ(entry.boolean("C"), std::nullopt);
+}
+
 TEST(DesktopEntry, writesWhatItReads) {
     const std::array<DesktopEntryLine, 3> lines = {
         {{"Type", "Application"}, {"Name", "  two blanks\n\t\r\\ é"}, {"Exec", R"("/a\\b")"}}};

@@ -196,6 +196,7 @@ TEST_F(LoginItemTest, requiresApprovalIfTheDesktopTurnedItOff) {
     EXPECT_EQ(statusWith(entry("Hidden=true\n")), LoginItemStatus::requiresApproval);
     EXPECT_EQ(
         statusWith(entry("X-GNOME-Autostart-enabled=false\n")), LoginItemStatus::requiresApproval);
+    EXPECT_EQ(statusWith(entry("Hidden=1\n")), LoginItemStatus::requiresApproval);
     EXPECT_EQ(
         statusWith(entry("Hidden=false\nX-GNOME-Autostart-enabled=true\n")),
         LoginItemStatus::enabled);
