@@ -46,6 +46,17 @@ TEST_F(LaunchAtLoginTest, unregistersWhenEnabledAndClearsTheEarlierProblem) {
     EXPECT_EQ(item.line(LineRole::loginItemError), std::nullopt);
 }
 
+TEST_F(LaunchAtLoginTest, staysCheckedWhenItsRemovalFails) {
+    loginItem.state = LoginItemStatus::enabled;
+    loginItem.failure = "Cannot remove ~/x: Read-only file system.";
+    choose(LineRole::launchAtLogin);
+    EXPECT_EQ(loginItem.removals, 1);
+    EXPECT_TRUE(isChecked());
+    EXPECT_EQ(
+        item.text(LineRole::loginItemError),
+        "Launch at Login: Cannot remove ~/x: Read-only file system.");
+}
+
 TEST_F(LaunchAtLoginTest, aRefreshLeavesTheProblemInView) {
     loginItem.failure = "broken.";
     choose(LineRole::launchAtLogin);

@@ -109,6 +109,16 @@ TEST_F(QuotaNotificationsTest, turningThemOffClearsTheProblem) {
     EXPECT_EQ(problem(), "");
 }
 
+TEST_F(QuotaNotificationsTest, turningThemOnClearsTheProblem) {
+    choose(LineRole::quotaNotifications);
+    notificationCentre.answerSettings(AuthorizationStatus::denied);
+    ASSERT_EQ(problem(), denied);
+    choose(LineRole::quotaNotifications);
+    EXPECT_EQ(problem(), denied);
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    EXPECT_EQ(problem(), "");
+}
+
 TEST_F(QuotaNotificationsTest, asksForPermissionWhenItIsUndetermined) {
     choose(LineRole::quotaNotifications);
     notificationCentre.answerSettings(AuthorizationStatus::notDetermined);

@@ -2,6 +2,7 @@
 // The program itself, as a desktop or a user starts it.
 #include "app/Command.h"
 #include "bus/ProgramFixture.h"
+#include "bus/ScriptedNotificationService.h"
 
 #include <gtest/gtest.h>
 
@@ -147,6 +148,120 @@ TEST_F(ProgramTest, saysWhyTheLoginItemCannotBeAdded) {
         "Could not add login item: Cannot write "
         "~/file/settings/autostart/com.vorla.UsageMenuBar.desktop: Not a directory.\n");
     expectSwitch("--unregister-login-item", variables, 0);
+}
+
+TEST_F(ProgramTest, saysWhyTheLoginItemCannotBeRemoved) {
+    // Registered for everybody, which this user's own entry would have to hide.
+    const auto systemWide = (folder() / "empty").string() + entryPath;
+    std::filesystem::create_directories(std::filesystem::path(systemWide).parent_path());
+    std::ofstream(systemWide) << "[Desktop Entry]\nType=Application\nExec=" VORLA_PROGRAM "\n";
+    std::ofstream(home() + "/file") << "no folder";
+    expectSwitch(
+        "--unregister-login-item", {"XDG_CONFIG_HOME=" + home() + "/file/settings"}, 1,
+        "Could not remove login item: Cannot write "
+        "~/file/settings/autostart/com.vorla.UsageMenuBar.desktop: Not a directory.\n");
+}
+
+TEST_F(ProgramTest, leavesALoginEntryAloneWhoseProgramIsGone) {
+    const auto entry = home() + "/.config" + entryPath;
+    std::filesystem::create_directories(std::filesystem::path(entry).parent_path());
+    std::ofstream(entry) << "[Desktop Entry]\nType=Application\nExec=/nonexistent\n";
+    expectSwitch("--unregister-login-item", {}, 0);
+    EXPECT_TRUE(std::filesystem::exists(entry));
+}
+
+TEST_F(ProgramTest, showsEachOutsideChangeOfTheLoginEntryAtTheNextOpening) {
+    const PrivateBus bus;
+    ScriptedPanel panel(loop(), bus.address());
+    ASSERT_TRUE(panel.becomeWatcher());
+    auto& program = startOnBus(bus, "printsSnapshot");
+    ASSERT_TRUE(runUntilRegistered(panel));
+    const auto isShown = [&](LineRole role, const std::string& property, const auto& value) {
+        for (const auto& [id, properties, children] : panel.lines()) {
+            const auto found = properties.find(property);
+            if (id == lineId({.role = role})) {
+                return found != properties.end() && found->second == bus::Variant(value);
+            }
+        }
+        return false;
+    };
+    const auto expectAtNextOpening = [&](bool isChecked, bool isHeldBack) {
+        panel.aboutToShow();
+        EXPECT_EQ(isShown(LineRole::launchAtLogin, "toggle-state", std::int32_t{1}), isChecked);
+        EXPECT_EQ(
+            isShown(
+                LineRole::loginItemApproval, "label",
+                std::string("Launch at Login needs approval in System Settings")) &&
+                !isShown(LineRole::loginItemApproval, "visible", false),
+            isHeldBack);
+    };
+    const auto entry = home() + "/.config" + entryPath;
+    const auto write = [&](const std::string& lines) {
+        std::ofstream(entry) << "[Desktop Entry]\nType=Application\n" << lines;
+    };
+    const std::string exec = "Exec=" VORLA_PROGRAM "\n";
+
+    expectAtNextOpening(false, false);
+    panel.sendEvent(lineId({.role = LineRole::launchAtLogin}), "clicked");
+    expectAtNextOpening(true, false);
+    write(exec + "Hidden=true\n");
+    expectAtNextOpening(false, true);
+    write(exec + "X-GNOME-Autostart-enabled=true\n");
+    expectAtNextOpening(true, false);
+    write(exec + "X-GNOME-Autostart-enabled=false\n");
+    expectAtNextOpening(false, true);
+    write("Exec=/nonexistent\n");
+    expectAtNextOpening(false, false);
+    std::filesystem::remove(entry);
+    expectAtNextOpening(false, false);
+    expectSwitch("--register-login-item", {}, 0);
+    expectAtNextOpening(true, false);
+    program.send(SIGTERM);
+    expectEnd(program, 0);
+}
+
+TEST_F(ProgramTest, notifiesOfEachEventOnceAlsoAfterARestart) {
+    const PrivateBus bus;
+    ScriptedPanel panel(loop(), bus.address());
+    ASSERT_TRUE(panel.becomeWatcher());
+    ScriptedNotificationService service(loop(), bus.address());
+    ASSERT_TRUE(service.appear());
+    const auto snapshot = (folder() / "snapshot.json").string();
+    const Texts variables = {
+        "DBUS_SESSION_BUS_ADDRESS=" + bus.address(), "SNAPSHOT=" + snapshot,
+        "VORLA_USAGE_EXECUTABLE=" + child("printsSnapshot")};
+    const auto writeEvents =
+        [&](const std::string& events) {
+            std::ofstream(snapshot)
+                << R"({"schemaVersion":1,"fetchedAt":1,"windows":[{"name":"5h","usedPercent":90,)"
+                << R"("remainingPercent":10,"windowDurationMins":300,"resetsAt":1763001000}],)"
+                << R"("notificationEvents":[)" << events << "]}";
+        };
+    const auto preferences = home() + "/.config/VorlaUsageMenuBar/preferences.json";
+    const auto isRemembered = [&](const std::string& key) {
+        return contentOf(preferences).find('"' + key + '"') != std::string::npos;
+    };
+    const std::string first = R"({"key":"5h-low","title":"5-hour low","body":"10% left"})";
+    const std::string second = R"({"key":"w-low","title":"Weekly low","body":"9% left"})";
+
+    writeEvents(first);
+    auto& before = start({}, variables);
+    ASSERT_TRUE(runUntilRegistered(panel));
+    panel.sendEvent(lineId({.role = LineRole::quotaNotifications}), "clicked");
+    ASSERT_TRUE(loop().runUntil([&] { return isRemembered("5h-low"); }));
+    EXPECT_EQ(service.notifications.size(), 1U);
+    before.send(SIGTERM);
+    expectEnd(before, 0);
+
+    // Posted in the order of the snapshot, the first would come before the second.
+    writeEvents(first + "," + second);
+    auto& after = start({}, variables);
+    ASSERT_TRUE(loop().runUntil([&] { return isRemembered("w-low"); }));
+    ASSERT_EQ(service.notifications.size(), 2U);
+    EXPECT_EQ(service.notifications[0].title, "5-hour low");
+    EXPECT_EQ(service.notifications[1].title, "Weekly low");
+    after.send(SIGTERM);
+    expectEnd(after, 0);
 }
 
 } // namespace vorla
