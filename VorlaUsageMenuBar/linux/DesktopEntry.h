@@ -38,9 +38,10 @@ struct DesktopEntryLine {
 /// The text of a file with these lines in the group; the values are escaped.
 std::string desktopEntryText(std::span<const DesktopEntryLine> lines);
 
-/// Whether all readers of Exec take `path` for the same program. Some of them refuse a "%" even
-/// where it is doubled, and others a backslash; control characters and ill-formed UTF-8 have no
-/// place in a value.
+/// Whether all desktops take `path` for the same program. Some of them refuse a "%" even where it
+/// is doubled, and others a backslash; control characters and ill-formed UTF-8 have no place in a
+/// value. Where systemd starts the entries, a path with quotes, "$" or "`" is lost all the same: it
+/// takes no such name of a program, however it is spelt.
 bool canStandInExec(std::string_view path);
 
 /// `argument` in quotes for the value of Exec. Precondition: canStandInExec(argument).
