@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "fennic/FennicWindowController.h"
 
+#include "fennic/X11Focus.h"
 #include "model/FennicRequest.h"
 
 #include <QByteArray>
@@ -38,9 +39,13 @@ void FennicWindowController::bringToFront(const std::optional<std::string>& acti
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(*activationToken));
     }
     window_.setWindowState(window_.windowState() & ~Qt::WindowMinimized);
+    const bool wasShown = window_.isVisible();
     window_.show();
     window_.raise();
-    window_.activateWindow();
+    // The time of the click that opens a window goes to the window manager with its start.
+    if (!wasShown || !bringToUserOfX11(*window_.windowHandle(), activationToken)) {
+        window_.activateWindow();
+    }
 }
 
 void FennicWindowController::buildContent() {
