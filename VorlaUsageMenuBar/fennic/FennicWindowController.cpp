@@ -68,6 +68,8 @@ void FennicWindowController::buildContent() {
     checkButton_.setText(toQString(fennicCheckTitle));
     checkButton_.setMinimumWidth(std::max(checkingWidth, checkButton_.sizeHint().width()));
     checkButton_.setDefault(true);
+    // A click leaves the cursor where it is, in the description.
+    checkButton_.setFocusPolicy(Qt::TabFocus);
     QObject::connect(&checkButton_, &QPushButton::clicked, &window_, [this] { check(); });
 
     statusRow_.setSpacing(statusRowSpacing);
@@ -102,6 +104,11 @@ void FennicWindowController::check() {
         setStatus(fennicCannotBePrepared);
         return;
     }
+    if (window_.focusWidget() == &checkButton_) {
+        // Otherwise the focus would go from the disabled button to the description, and another
+        // press of Return would break a line in there.
+        window_.setFocus();
+    }
     checkButton_.setEnabled(false);
     checkButton_.setText(toQString(fennicCheckingTitle));
     setStatus("");
@@ -131,6 +138,9 @@ void FennicWindowController::checkFinished(const std::optional<FennicAnswer>& an
     task_.reset();
     checkButton_.setEnabled(true);
     checkButton_.setText(toQString(fennicCheckTitle));
+    if (window_.focusWidget() == &window_) {
+        checkButton_.setFocus();
+    }
     const FennicOutcome outcome = FennicOutcome::of(answer, service_.endpoint.domain);
     if (outcome.result) {
         render(*outcome.result);

@@ -28,6 +28,11 @@ public:
     }
 };
 
+/// As from the keyboard: it goes to whatever has the focus.
+void pressKey(Desk& desk, Qt::Key key) {
+    QTest::keyClick(desk.window().windowHandle(), key);
+}
+
 } // namespace
 
 TEST(FennicWindowController, leavesTheFieldWithTabAndNotWithReturn) {
@@ -39,12 +44,42 @@ TEST(FennicWindowController, leavesTheFieldWithTabAndNotWithReturn) {
     EXPECT_FALSE(desk.isChecking());
     EXPECT_EQ(desk.input().toPlainText(), "one\ntwo");
     QTest::keyClick(&desk.input(), Qt::Key_Tab);
-    EXPECT_TRUE(desk.button().hasFocus());
+    EXPECT_EQ(desk.window().focusWidget(), &desk.button());
     EXPECT_TRUE(desk.button().isDefault());
     QTest::keyClick(&desk.window(), Qt::Key_Return);
     EXPECT_TRUE(desk.isChecking());
     ASSERT_TRUE(desk.waitUntilIdle());
     EXPECT_EQ(desk.server.requests().size(), 1U);
+}
+
+TEST(FennicWindowController, keepsTheKeyboardOnTheButtonThroughACheck) {
+    Desk desk;
+    desk.server.answerWith({staySilent, answer(200, goodBody)});
+    desk.type("Sort");
+    QTest::keyClick(&desk.input(), Qt::Key_Tab);
+    pressKey(desk, Qt::Key_Return);
+    EXPECT_TRUE(desk.isChecking());
+    // Neither is a line break typed somewhere else.
+    pressKey(desk, Qt::Key_Return);
+    EXPECT_EQ(desk.input().toPlainText(), "Sort");
+    ASSERT_TRUE(desk.waitForRequests(1));
+    desk.server.closeConnections();
+    ASSERT_TRUE(desk.waitUntilIdle());
+    pressKey(desk, Qt::Key_Return);
+    ASSERT_TRUE(desk.waitUntilIdle());
+    EXPECT_EQ(desk.results(), goodLines);
+    EXPECT_EQ(desk.input().toPlainText(), "Sort");
+}
+
+TEST(FennicWindowController, leavesTheKeyboardInTheFieldWhenTheButtonIsClicked) {
+    Desk desk;
+    desk.server.answerWith({answer(200, goodBody)});
+    desk.type("Sort");
+    desk.press();
+    pressKey(desk, Qt::Key_A);
+    ASSERT_TRUE(desk.waitUntilIdle());
+    pressKey(desk, Qt::Key_B);
+    EXPECT_EQ(desk.input().toPlainText(), "abSort");
 }
 
 TEST(FennicWindowController, showsTheResultOfACheck) {
@@ -309,12 +344,19 @@ TEST(FennicWindowController, staysOpenAndAsItIsWhenItIsBroughtToTheFront) {
     other.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
     EXPECT_FALSE(desk.window().isActiveWindow());
-    desk.controller().bringToFront("token");
-    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
-    qunsetenv("XDG_ACTIVATION_TOKEN");
+    desk.controller().bringToFront(std::nullopt);
     EXPECT_TRUE(QTest::qWaitForWindowActive(&desk.window()));
     EXPECT_EQ(desk.input().toPlainText(), "Sort");
     EXPECT_EQ(desk.closings, 0);
+}
+
+TEST(FennicWindowController, handsTheTokenToTheToolkit) {
+    Desk desk;
+    desk.controller().bringToFront("token");
+    // Under Wayland it is taken from there, once; elsewhere nobody asks for it.
+    const bool isTaken = QGuiApplication::platformName().startsWith("wayland");
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), isTaken ? "" : "token");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 TEST(FennicWindowController, comesBackFromBeingMinimised) {

@@ -74,6 +74,12 @@ int TlsServer::openConnections() const {
     return open;
 }
 
+void TlsServer::closeConnections() {
+    for (QSslSocket* socket : findChildren<QSslSocket*>()) {
+        socket->disconnectFromHost();
+    }
+}
+
 QString TlsServer::host() const {
     return QString("localhost:%1").arg(serverPort());
 }

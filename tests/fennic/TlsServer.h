@@ -36,6 +36,9 @@ public:
     /// Connections that have not been closed by either side.
     int openConnections() const;
 
+    /// Ends all connections, whatever has been said on them.
+    void closeConnections();
+
     /// "localhost" and the port.
     QString host() const;
 

@@ -11,7 +11,7 @@ int main(int argumentCount, char* arguments[]) {
     qunsetenv("XDG_CURRENT_DESKTOP");
     for (const char* name :
          {"http_proxy", "https_proxy", "all_proxy", "HTTP_PROXY", "HTTPS_PROXY", "ALL_PROXY",
-          "no_proxy", "NO_PROXY", "QT_SCALE_FACTOR"}) {
+          "no_proxy", "NO_PROXY"}) {
         qunsetenv(name);
     }
     const QApplication application(argumentCount, arguments);
