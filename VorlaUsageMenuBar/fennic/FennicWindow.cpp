@@ -84,6 +84,7 @@ FennicWindow::FennicWindow(std::function<void()> willClose)
     contentLayout_.setContentsMargins(inset, inset, inset, inset);
     contentLayout_.setSpacing(spacing);
     content_.setLayout(&contentLayout_);
+    scrollArea_.setAccessibleName(windowTitle());
     scrollArea_.setFrameShape(QFrame::NoFrame);
     scrollArea_.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollArea_.setWidgetResizable(true);

@@ -176,6 +176,7 @@ TEST(FennicWindow, scrollsWhatTheScreenHasNoRoomFor) {
     EXPECT_LE(desk.window().height(), screen.height());
     auto* area = desk.window().findChild<QScrollArea*>();
     EXPECT_EQ(area->focusPolicy(), Qt::StrongFocus);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(area)->text(QAccessible::Name), "Fennic");
     EXPECT_EQ(
         area->verticalScrollBar()->maximum() + area->viewport()->height(),
         area->widget()->height());
