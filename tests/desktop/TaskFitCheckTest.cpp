@@ -280,6 +280,30 @@ TEST_F(TaskFitCheck, bringsTheWindowToTheFrontOnASecondChoice) {
     EXPECT_TRUE(other.waitForFinished(waitLimitMilliseconds));
 }
 
+TEST_F(TaskFitCheck, isRefusedByTheProgramThatIsInstalledUnlessTheSystemTrustsTheService) {
+    TlsServer imposter("server-of-release");
+    imposter.answerWith({answer(200, goodBody)});
+    const TunnelProxy way(imposter.serverPort());
+    auto variables = resident.processEnvironment();
+    variables.insert("https_proxy", way.address());
+    for (const char* name : {"SSL_CERT_FILE", "VORLA_FENNIC_CA_FILE"}) {
+        variables.insert(name, certificateFile("authority"));
+    }
+    QProcess window;
+    window.setProcessEnvironment(variables);
+    window.start(VORLA_FENNIC_PROGRAM, QStringList());
+    window.write("{\"quota\":{}}\n");
+    ASSERT_TRUE(waitFor([this] { return find("push button").has_value(); }));
+    check("Sort");
+    auto expected = initialLabels;
+    expected.emplace_back("The check could not reach vorla.example.");
+    EXPECT_TRUE(waitFor([&] { return labels() == expected; }));
+    EXPECT_EQ(way.requests().at(0), "CONNECT fennic.vorla.example:443 HTTP/1.1");
+    EXPECT_TRUE(imposter.requests().empty());
+    window.closeWriteChannel();
+    EXPECT_TRUE(window.waitForFinished(waitLimitMilliseconds));
+}
+
 TEST_F(TaskFitCheck, closesWithTheProgramThatOpenedIt) {
     open();
     choose(LineRole::quit);
