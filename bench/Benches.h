@@ -10,6 +10,7 @@
 namespace vorla::bench {
 
 void measureMemory(Table& table, const std::string& program);
+void measureFennic(Table& table, const std::string& program);
 void measureQuiet(Table& table, const std::string& program);
 void measureRefresh(Table& table, const std::string& program);
 void measureStartUp(Table& table, const std::string& program);

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 namespace vorla::bench {
 
@@ -22,7 +23,8 @@ std::string madeFolder() {
 
 } // namespace
 
-Session::Session() : folder_(madeFolder()) {
+Session::Session(std::vector<std::string> variables)
+    : variables_(std::move(variables)), folder_(madeFolder()) {
     std::filesystem::create_directory(folder_ + "/home");
     require(panel_.becomeWatcher(), "the panel's name");
     labels_ = panel_.bus().subscribe(
@@ -49,13 +51,15 @@ Session::~Session() {
 }
 
 std::vector<std::string> Session::environment() const {
-    return {
+    std::vector<std::string> all = {
         "PATH=/usr/bin:/bin",
         "LANG=C.UTF-8",
         "HOME=" + folder_ + "/home",
         "DBUS_SESSION_BUS_ADDRESS=" + daemon_.address(),
         "VORLA_USAGE_EXECUTABLE=" VORLA_BENCH_COMPANION,
         "VORLA_BENCH_FOLDER=" + folder_};
+    all.insert(all.end(), variables_.begin(), variables_.end());
+    return all;
 }
 
 void Session::setOutput(const std::string& bytes) {
@@ -93,8 +97,12 @@ void Session::refresh(std::size_t outputBytes) {
     setOutput(
         outputBytes == 0 ? snapshotText(fiveHourRemaining_)
                          : paddedSnapshotText(fiveHourRemaining_, outputBytes));
-    require(panel_.sendEvent(lineId({.role = LineRole::refresh}), "clicked"), "an answer");
+    choose(LineRole::refresh);
     waitForTitle(titleOf(fiveHourRemaining_));
+}
+
+void Session::choose(LineRole role) {
+    require(panel_.sendEvent(lineId({.role = role}), "clicked"), "an answer");
 }
 
 Nanoseconds Session::exitToTitle() const {

@@ -19,7 +19,8 @@ namespace vorla::bench {
 /// do what it is waited for.
 class Session final {
 public:
-    Session();
+    /// `variables`, "NAME=value" each, are part of the environment.
+    explicit Session(std::vector<std::string> variables = {});
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -45,6 +46,9 @@ public:
     /// refresh.
     Nanoseconds exitToTitle() const;
 
+    /// Chooses a line of the menu.
+    void choose(LineRole role);
+
     /// What a panel that opens the menu asks for: all properties of item and menu, and the layout.
     void readEverything();
 
@@ -58,6 +62,7 @@ public:
 private:
     void require(bool holds, const char* what) const;
 
+    std::vector<std::string> variables_;
     std::string folder_;
     PrivateBus daemon_;
     ManualLoop loop_;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Measures what the program may cost and compares it with its budgets:
-//   bench [--program PATH] [memory] [refresh] [parts] [model] [streaming] [start] [quiet]
+//   bench [--program PATH] [memory] [refresh] [parts] [model] [streaming] [start] [fennic] [quiet]
 // Without names it measures everything. Exit status 1 if a budget is missed, 2 if something could
 // not be measured.
 #include "Benches.h"
@@ -49,13 +49,14 @@ Request requestOf(std::span<char* const> arguments) {
 }
 
 int run(const Request& request) {
-    const std::array<Bench, 7> benches = {{
+    const std::array<Bench, 8> benches = {{
         {"memory", [&](Table& table) { measureMemory(table, request.program); }},
         {"refresh", [&](Table& table) { measureRefresh(table, request.program); }},
         {"parts", measureRefreshParts},
         {"model", measureModel},
         {"streaming", measureStreaming},
         {"start", [&](Table& table) { measureStartUp(table, request.program); }},
+        {"fennic", [&](Table& table) { measureFennic(table, request.program); }},
         {"quiet", [&](Table& table) { measureQuiet(table, request.program); }},
     }};
     for (const std::string_view name : request.names) {
