@@ -4,9 +4,17 @@
 #include "linux/FennicProgramFixture.h"
 #include "linux/Folders.h"
 #include "linux/LauncherFixture.h"
+#include "linux/Pipe.h"
 
+#include <fcntl.h>
+#include <linux/capability.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace vorla {
 
@@ -43,6 +51,41 @@ private:
     int room_;
 };
 
+/// While it lives, this thread has no right to more pipes than other users, and holds so many that
+/// new ones are small.
+class UsedUpPipes final {
+public:
+    UsedUpPipes() {
+        syscall(SYS_capget, &header_, before_.data());
+        auto lowered = before_;
+        for (const unsigned right : {unsigned{CAP_SYS_ADMIN}, unsigned{CAP_SYS_RESOURCE}}) {
+            lowered.at(right / 32).effective &= ~(1U << right % 32);
+        }
+        syscall(SYS_capset, &header_, lowered.data());
+        while (pipes_.size() < 300 && (pipes_.empty() || !isSmall())) {
+            pipes_.emplace_back();
+            // Refused once it is too much.
+            fcntl(newest(), F_SETPIPE_SZ, 1048576);
+        }
+    }
+
+    ~UsedUpPipes() { syscall(SYS_capset, &header_, before_.data()); }
+
+    UsedUpPipes(const UsedUpPipes&) = delete;
+    UsedUpPipes& operator=(const UsedUpPipes&) = delete;
+
+    bool isSmall() const {
+        return std::cmp_less(fcntl(newest(), F_GETPIPE_SZ), maximumFennicSeamLine);
+    }
+
+private:
+    int newest() const { return pipes_.back().writeEnd.number(); }
+
+    __user_cap_header_struct header_ = {_LINUX_CAPABILITY_VERSION_3, 0};
+    std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> before_ = {};
+    std::vector<Pipe> pipes_;
+};
+
 /// Openings that fail, of which nothing may be left, and where the program is looked for.
 class FennicProgramError : public FennicProgramFixture {};
 
@@ -53,6 +96,16 @@ TEST_F(FennicProgramError, refusesAnOpeningThatCannotBeEncoded) {
     EXPECT_EQ(openingError(openingOfBytes(maximumFennicSeamLine + 1)), std::errc::message_size);
     const double infinite = std::numeric_limits<double>::infinity();
     EXPECT_EQ(openingError({.quota = {.weeklySecondsToReset = infinite}}), std::errc::message_size);
+}
+
+TEST_F(FennicProgramError, throwsWhereAPipeIsTooSmallForTheOpening) {
+    use({child("recordsItsStart")});
+    const UsedUpPipes pipes;
+    ASSERT_TRUE(pipes.isSmall());
+    descriptors = entries("/proc/self/fd");
+    EXPECT_EQ(openingError(openingOfBytes(maximumFennicSeamLine)).value(), ENOBUFS);
+    open();
+    EXPECT_EQ(record("input"), usualOpening().encode());
 }
 
 TEST_F(FennicProgramError, startsTheFirstCandidateThatIsAProgram) {
