@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stands still in vfork(2), where no request to end is heard: its child, in a session of its own
-// and without the streams, waits until told to go on.
+// Stands still in vfork(2), where only a deadly signal gets through: its child, in a session of its
+// own and without the streams, waits until told to go on.
 #include "Go.h"
 #include "Ready.h"
 
