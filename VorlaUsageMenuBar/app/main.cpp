@@ -31,11 +31,25 @@ namespace {
 
 constexpr auto busName = "com.vorla.UsageMenuBar";
 
+std::runtime_error noSessionBus() {
+    return std::runtime_error("There is no session bus.");
+}
+
 bus::Bus sessionBus(EventLoop& loop) {
     try {
         return bus::Bus::openSession(loop);
     } catch (const std::system_error&) {
-        throw std::runtime_error("There is no session bus.");
+        throw noSessionBus();
+    }
+}
+
+/// False if the program runs already. Waits for the bus for the first time, so that one which takes
+/// the connection and then hangs up or talks nonsense shows here.
+bool takeName(bus::Bus& bus) {
+    try {
+        return bus.requestName(busName);
+    } catch (const std::system_error&) {
+        throw noSessionBus();
     }
 }
 
@@ -46,7 +60,7 @@ int runMenuBar() {
     std::signal(SIGXFSZ, SIG_IGN);
     EventLoop loop;
     bus::Bus bus = sessionBus(loop);
-    if (!bus.requestName(busName)) {
+    if (!takeName(bus)) {
         return 0;
     }
     StatusNotifierItem item(bus, loop);
