@@ -61,7 +61,7 @@ std::vector<std::string> parts(std::string_view value, bool isList) {
 
 std::string escaped(std::string_view value) {
     std::string text;
-    for (const char byte : value) {
+    for (const char& byte : value) {
         switch (byte) {
         case '\\':
             text += "\\\\";
@@ -76,8 +76,8 @@ std::string escaped(std::string_view value) {
             text += "\\r";
             break;
         case ' ':
-            // Blanks at the start of a value would be lost.
-            text += text.empty() ? "\\s" : " ";
+            // Blanks at either end of a value would be lost.
+            text += text.empty() || &byte == &value.back() ? "\\s" : " ";
             break;
         default:
             text += byte;

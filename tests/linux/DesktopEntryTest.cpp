@@ -83,12 +83,12 @@ TEST(DesktopEntry, knowsTheNumbersOfOldEntriesForTrueAndFalse) {
 
 TEST(DesktopEntry, writesWhatItReads) {
     const std::array<DesktopEntryLine, 3> lines = {
-        {{"Type", "Application"}, {"Name", "  two blanks\n\t\r\\ é"}, {"Exec", R"("/a\\b")"}}};
+        {{"Type", "Application"}, {"Name", "  two blanks\n\t\r\\ é  "}, {"Exec", R"("/a\\b")"}}};
     const auto text = desktopEntryText(lines);
     EXPECT_EQ(
         text, "[Desktop Entry]\n"
               "Type=Application\n"
-              "Name=\\s two blanks\\n\\t\\r\\\\ é\n"
+              "Name=\\s two blanks\\n\\t\\r\\\\ é \\s\n"
               "Exec=\"/a\\\\\\\\b\"\n");
     const auto entry = DesktopEntry::parse(text);
     ASSERT_TRUE(entry);
