@@ -102,4 +102,8 @@ void PrivateBus::stop() {
     }
 }
 
+void PrivateBus::freeze() const {
+    kill(daemon_, SIGSTOP);
+}
+
 } // namespace vorla

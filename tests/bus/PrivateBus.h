@@ -20,6 +20,9 @@ public:
     /// Ends the bus as a logout does; all connections are lost.
     void stop();
 
+    /// From now on it neither reads nor answers; whoever calls it waits.
+    void freeze() const;
+
 private:
     std::string folder_;
     std::string address_;

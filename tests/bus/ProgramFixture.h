@@ -44,8 +44,9 @@ inline std::vector<char*> pointersTo(Texts& texts) {
 /// One start of the program; what it prints goes to files beginning with `files`.
 class Program final {
 public:
-    Program(std::string files, Texts arguments, Texts variables) : files_(std::move(files)) {
-        arguments.insert(arguments.begin(), VORLA_PROGRAM);
+    Program(const std::string& executable, std::string files, Texts arguments, Texts variables)
+        : files_(std::move(files)) {
+        arguments.insert(arguments.begin(), executable);
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         const int created = O_WRONLY | O_CREAT | O_TRUNC;
@@ -55,11 +56,11 @@ public:
         posix_spawn_file_actions_addopen(
             &actions, STDERR_FILENO, errorFile().c_str(), created, 0600);
         const int error = posix_spawn(
-            &number_, VORLA_PROGRAM, &actions, nullptr, pointersTo(arguments).data(),
+            &number_, executable.c_str(), &actions, nullptr, pointersTo(arguments).data(),
             pointersTo(variables).data());
         posix_spawn_file_actions_destroy(&actions);
         if (error != 0) {
-            throw std::system_error(error, std::generic_category(), VORLA_PROGRAM);
+            throw std::system_error(error, std::generic_category(), executable);
         }
         handle_ = processHandle(number_);
     }
@@ -75,6 +76,8 @@ public:
     Program& operator=(const Program&) = delete;
 
     void send(int signal) const { kill(number_, signal); }
+
+    pid_t number() const { return number_; }
 
     const FileDescriptor& handle() const { return handle_; }
 
@@ -129,7 +132,7 @@ protected:
             {"HOME=" + home(), "XDG_CONFIG_DIRS=" + empty, "PATH=" + empty, ready_->variable(),
              "SNAPSHOT=" VORLA_TEST_DATA "/snapshots/full.json"});
         const auto files = (folder() / std::to_string(programs_.size())).string();
-        return programs_.emplace_back(files, arguments, std::move(variables));
+        return programs_.emplace_back(executable, files, arguments, std::move(variables));
     }
 
     Program&
@@ -175,6 +178,12 @@ protected:
     }
 
     std::string home() const { return folder(); }
+
+    /// The number of the process that says next that it is ready.
+    pid_t nextReady() const { return ready_->next(); }
+
+    /// What the next start() starts.
+    std::string executable = VORLA_PROGRAM;
 
 private:
     /// Those that are left after a failure.
