@@ -30,7 +30,8 @@ std::optional<int> endStatus(const FileDescriptor& handle) {
 }
 
 void collect(const FileDescriptor& handle) {
-    waitid(P_PIDFD, static_cast<id_t>(handle.number()), nullptr, WEXITED | WNOHANG);
+    siginfo_t ignored = {};
+    waitid(P_PIDFD, static_cast<id_t>(handle.number()), &ignored, WEXITED | WNOHANG);
 }
 
 ChildEndWatch::ChildEndWatch(MainLoop& loop, const FileDescriptor& handle, Ended ended)
