@@ -128,20 +128,22 @@ std::string weeklyBudget(const DemoWeek& week) {
          {"remainingPercent", std::to_string(week.weekly.remainingPercent())}});
 }
 
+std::string notificationEvent(const DemoWindow& window, const std::string& label) {
+    // The reset time makes the key the same throughout a window and new in the next one.
+    const std::string key = std::string(window.name) + "-low-" + std::to_string(window.resetsAt());
+    return object(
+        {{"key", quoted(key)},
+         {"title", quoted(label + " quota is running low")},
+         {"body",
+          quoted("Less than " + std::to_string(lowPercent) + "% is left until it resets.")}});
+}
+
 std::string notificationEvents(const DemoWeek& week) {
     std::vector<std::string> events;
     const auto addIfLow = [&](const DemoWindow& window, const std::string& label) {
-        if (window.remainingPercent() >= lowPercent) {
-            return;
+        if (window.remainingPercent() < lowPercent) {
+            events.push_back(notificationEvent(window, label));
         }
-        // The reset time makes the key the same throughout a window and new in the next one.
-        const std::string key =
-            std::string(window.name) + "-low-" + std::to_string(window.resetsAt());
-        events.push_back(object(
-            {{"key", quoted(key)},
-             {"title", quoted(label + " quota is running low")},
-             {"body",
-              quoted("Less than " + std::to_string(lowPercent) + "% is left until it resets.")}}));
     };
     addIfLow(week.fiveHour, "5-hour");
     addIfLow(week.weekly, "Weekly");
