@@ -44,6 +44,7 @@ extern const GlyphSet digits19;
 extern const GlyphSet narrow20;
 extern const GlyphSet digits24;
 extern const GlyphSet digits26;
-extern const GlyphSet digits30;
+/// All characters of the title.
+extern const GlyphSet title30;
 
 } // namespace vorla

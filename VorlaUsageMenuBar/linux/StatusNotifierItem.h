@@ -2,7 +2,7 @@
 #pragma once
 
 #include "linux/DbusMenu.h"
-#include "linux/ItemIcon.h"
+#include "linux/FigureIcon.h"
 
 namespace vorla {
 

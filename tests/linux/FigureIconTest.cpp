@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "linux/ItemIcon.h"
+#include "linux/FigureIcon.h"
+
+#include "linux/Pixels.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <fstream>
 #include <initializer_list>
 #include <iterator>
 #include <set>
-#include <sstream>
 #include <string>
 
 namespace vorla {
@@ -18,33 +17,13 @@ namespace {
 
 constexpr int sizeCount = 6;
 
-struct Colour {
-    int alpha = 0;
-    int red = 0;
-    int green = 0;
-    int blue = 0;
-
-    bool operator==(const Colour&) const = default;
-};
-
 std::vector<Pixmap> icons(std::initializer_list<std::int64_t> figures) {
     return figureIcons(std::span(figures.begin(), figures.size()));
 }
 
-Colour colourAt(const Pixmap& icon, int column, int row) {
-    const auto* pixel = &icon.argb.at(static_cast<std::size_t>(row * icon.width + column) * 4);
-    return {pixel[0], pixel[1], pixel[2], pixel[3]};
-}
-
 /// The middle of the upper edge is never written on.
-Colour plateOf(const Pixmap& icon) {
-    return colourAt(icon, icon.width / 2, 0);
-}
-
-/// 0 where the plate shows, 255 for the text's full colour.
-int ink(const Pixmap& icon, int column, int row) {
-    const int plate = plateOf(icon).red;
-    return (colourAt(icon, column, row).red - plate) * 255 / (255 - plate);
+Pixel plateOf(const Pixmap& icon) {
+    return pixelAt(icon, icon.width / 2, 0);
 }
 
 /// The ink of the columns up to `endColumn`, row after row.
@@ -77,66 +56,7 @@ int totalInk(const Pixmap& icon) {
     return total;
 }
 
-bool inkTouchesTheEdge(const Pixmap& icon) {
-    const int last = icon.width - 1;
-    for (int place = 0; place < icon.width; ++place) {
-        if (ink(icon, place, 0) != 0 || ink(icon, place, last) != 0 || ink(icon, 0, place) != 0 ||
-            ink(icon, last, place) != 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
-/// '_' is transparent, ',' a fading corner, '.' the plate; text is '-', '+' or '#', the denser the
-/// more.
-char symbol(int alpha, int dense) {
-    if (alpha < 255) {
-        return alpha == 0 ? '_' : ',';
-    }
-    if (dense < 32) {
-        return '.';
-    }
-    if (dense < 96) {
-        return '-';
-    }
-    return dense < 176 ? '+' : '#';
-}
-
-std::string picture(const Pixmap& icon) {
-    std::string text;
-    for (int row = 0; row < icon.height; ++row) {
-        for (int column = 0; column < icon.width; ++column) {
-            text += symbol(colourAt(icon, column, row).alpha, ink(icon, column, row));
-        }
-        text += '\n';
-    }
-    return text;
-}
-
-std::string savedPicture(const std::string& name) {
-    const std::ifstream file(VORLA_TEST_DATA "/icons/" + name + ".txt");
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-/// Relative luminance as the Web Content Accessibility Guidelines 2.1 define it, 0 to 1.
-double luminance(const Colour& colour) {
-    const auto linear = [](int channel) {
-        const double share = channel / 255.0;
-        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) +
-           0.0722 * linear(colour.blue);
-}
-
-double contrast(const Colour& one, const Colour& other) {
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
-TEST(ItemIcon, comesInTheSizesThatPanelsUse) {
+TEST(FigureIcon, comesInTheSizesThatPanelsUse) {
     std::vector<int> sizes;
     for (const Pixmap& icon : icons({87, 62})) {
         EXPECT_EQ(icon.width, icon.height);
@@ -146,7 +66,7 @@ TEST(ItemIcon, comesInTheSizesThatPanelsUse) {
     EXPECT_EQ(sizes, (std::vector{16, 22, 24, 32, 48, 64}));
 }
 
-TEST(ItemIcon, looksAsInTheSavedPictures) {
+TEST(FigureIcon, looksAsInTheSavedPictures) {
     struct Case {
         std::string name;
         std::vector<std::int64_t> figures;
@@ -174,16 +94,16 @@ TEST(ItemIcon, looksAsInTheSavedPictures) {
     }
 }
 
-TEST(ItemIcon, leavesOutWhatComesAfterTheSecondFigure) {
+TEST(FigureIcon, leavesOutWhatComesAfterTheSecondFigure) {
     EXPECT_EQ(icons({87, 62, 5}), icons({87, 62}));
 }
 
-TEST(ItemIcon, writesTextThatStandsOutFromThePlate) {
+TEST(FigureIcon, writesTextThatStandsOutFromThePlate) {
     for (const Pixmap& icon : icons({87, 62})) {
-        Colour brightest = plateOf(icon);
+        Pixel brightest = plateOf(icon);
         for (int row = 0; row < icon.height; ++row) {
             for (int column = 0; column < icon.width; ++column) {
-                const Colour colour = colourAt(icon, column, row);
+                const Pixel colour = pixelAt(icon, column, row);
                 brightest = luminance(colour) > luminance(brightest) ? colour : brightest;
             }
         }
@@ -191,21 +111,19 @@ TEST(ItemIcon, writesTextThatStandsOutFromThePlate) {
     }
 }
 
-TEST(ItemIcon, hasAPlateThatStandsOutFromDarkAndLightPanels) {
-    constexpr Colour black{255, 0, 0, 0};
-    constexpr Colour white{255, 255, 255, 255};
+TEST(FigureIcon, hasAPlateThatStandsOutFromDarkAndLightPanels) {
     for (const Pixmap& icon : icons({})) {
         EXPECT_GE(contrast(plateOf(icon), black), 4.4) << icon.width;
         EXPECT_GE(contrast(plateOf(icon), white), 4.4) << icon.width;
     }
 }
 
-TEST(ItemIcon, isOpaqueButForItsRoundedCorners) {
+TEST(FigureIcon, isOpaqueButForItsRoundedCorners) {
     for (const Pixmap& icon : icons({100, 100})) {
         const int last = icon.width - 1;
         for (const auto& [column, row] : std::initializer_list<std::pair<int, int>>{
                  {0, 0}, {last, 0}, {0, last}, {last, last}}) {
-            EXPECT_EQ(colourAt(icon, column, row).alpha, 0) << icon.width;
+            EXPECT_EQ(pixelAt(icon, column, row).alpha, 0) << icon.width;
         }
         const int corner = (icon.width + 4) / 5;
         for (int row = 0; row < icon.height; ++row) {
@@ -213,20 +131,20 @@ TEST(ItemIcon, isOpaqueButForItsRoundedCorners) {
                 const bool besideCorner = (row >= corner && row <= last - corner) ||
                                           (column >= corner && column <= last - corner);
                 if (besideCorner) {
-                    ASSERT_EQ(colourAt(icon, column, row).alpha, 255) << column << ' ' << row;
+                    ASSERT_EQ(pixelAt(icon, column, row).alpha, 255) << column << ' ' << row;
                 }
             }
         }
     }
 }
 
-TEST(ItemIcon, keepsThePlatesFullColourWhereTheCornersFade) {
+TEST(FigureIcon, keepsThePlatesFullPixelWhereTheCornersFade) {
     int fading = 0;
     for (const Pixmap& icon : icons({})) {
-        Colour plate = plateOf(icon);
+        Pixel plate = plateOf(icon);
         for (int row = 0; row < icon.height; ++row) {
             for (int column = 0; column < icon.width; ++column) {
-                const Colour colour = colourAt(icon, column, row);
+                const Pixel colour = pixelAt(icon, column, row);
                 if (colour.alpha != 0 && colour.alpha != 255) {
                     plate.alpha = colour.alpha;
                     EXPECT_EQ(colour, plate);
@@ -238,7 +156,7 @@ TEST(ItemIcon, keepsThePlatesFullColourWhereTheCornersFade) {
     EXPECT_GT(fading, 0);
 }
 
-TEST(ItemIcon, drawsEveryPairInsideThePlateAndNoTwoPairsAlike) {
+TEST(FigureIcon, drawsEveryPairInsideThePlateAndNoTwoPairsAlike) {
     // Each half shows its own figure and nothing of the other, as the loops below find out for
     // every pair. Different halves for all figures then make all pairs different.
     std::array<std::vector<Bytes>, sizeCount> uppers;
@@ -267,7 +185,7 @@ TEST(ItemIcon, drawsEveryPairInsideThePlateAndNoTwoPairsAlike) {
     }
 }
 
-TEST(ItemIcon, drawsNoTwoSingleFiguresAlikeAndNoneTouchingTheEdge) {
+TEST(FigureIcon, drawsNoTwoSingleFiguresAlikeAndNoneTouchingTheEdge) {
     std::array<std::set<Bytes>, sizeCount> seen;
     const auto add = [&seen](const std::vector<Pixmap>& all) {
         for (std::size_t size = 0; size < sizeCount; ++size) {
@@ -282,7 +200,7 @@ TEST(ItemIcon, drawsNoTwoSingleFiguresAlikeAndNoneTouchingTheEdge) {
     }
 }
 
-TEST(ItemIcon, drawsBothDigitsWholeAndApart) {
+TEST(FigureIcon, drawsBothDigitsWholeAndApart) {
     for (std::int64_t figure = 10; figure < 100; ++figure) {
         const std::vector<Pixmap> both = icons({figure});
         const std::vector<Pixmap> tens = icons({figure / 10});
@@ -294,7 +212,7 @@ TEST(ItemIcon, drawsBothDigitsWholeAndApart) {
     }
 }
 
-TEST(ItemIcon, leavesAGapBetweenTheTwoFigures) {
+TEST(FigureIcon, leavesAGapBetweenTheTwoFigures) {
     for (const Pixmap& icon : icons({88, 88})) {
         for (int column = 0; column < icon.width; ++column) {
             EXPECT_EQ(ink(icon, column, icon.height / 2 - 1), 0) << icon.width;
@@ -303,7 +221,7 @@ TEST(ItemIcon, leavesAGapBetweenTheTwoFigures) {
     }
 }
 
-TEST(ItemIcon, leavesAGapBetweenTheDigitsOfAHundred) {
+TEST(FigureIcon, leavesAGapBetweenTheDigitsOfAHundred) {
     for (const Pixmap& icon : icons({100, 100})) {
         std::string inked;
         for (int column = 0; column < icon.width; ++column) {
@@ -319,7 +237,7 @@ TEST(ItemIcon, leavesAGapBetweenTheDigitsOfAHundred) {
     }
 }
 
-TEST(ItemIcon, leavesTheFirstDigitInPlaceWhenTheLastOneChanges) {
+TEST(FigureIcon, leavesTheFirstDigitInPlaceWhenTheLastOneChanges) {
     const std::vector<Pixmap> before = icons({40, 70});
     for (std::int64_t last = 1; last <= 9; ++last) {
         const std::vector<Pixmap> after = icons({40 + last, 70 + last});

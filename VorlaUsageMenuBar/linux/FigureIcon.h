@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/Pixmap.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>
 
 namespace vorla {
-
-/// A picture as a panel takes it over the bus.
-struct Pixmap {
-    int width = 0;
-    int height = 0;
-    /// Row by row, four bytes a pixel: alpha, red, green, blue; the colours are not multiplied by
-    /// the alpha.
-    std::vector<std::uint8_t> argb;
-
-    bool operator==(const Pixmap&) const = default;
-};
 
 /// The icon for panels that show no text: the figures in white on a coloured plate that stands out
 /// from light and dark panels alike, as squares of 16, 22, 24, 32, 48 and 64 pixels, so that a
