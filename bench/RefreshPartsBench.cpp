@@ -96,7 +96,7 @@ void measureRefreshParts(Table& table) {
     constexpr int refreshes = 200;
     Session session;
     bus::Bus bus = bus::Bus::open(session.loop().real(), session.busAddress());
-    StatusNotifierItem item(bus, session.loop());
+    StatusNotifierItem item(bus, session.loop(), "");
     LinuxProcessLauncher launcher(session.loop());
     MenuState state;
     std::vector<Parts> all;

@@ -63,7 +63,7 @@ int runMenuBar() {
     if (!takeName(bus)) {
         return 0;
     }
-    StatusNotifierItem item(bus, loop);
+    StatusNotifierItem item(bus, loop, installedIcon());
     LinuxProcessLauncher launcher(loop);
     const SystemClock clock;
     const Environment environment = Environment::ofThisProcess();

@@ -32,6 +32,15 @@ bool runsFromTheImage(const std::string& executable) {
     return folder.empty() || executable.starts_with(resolved + "/");
 }
 
+/// What holds the folder of the running executable, as far as that is still there.
+std::optional<std::filesystem::path> installationPrefix() {
+    const auto executable = executablePath();
+    if (!executable) {
+        return std::nullopt;
+    }
+    return std::filesystem::path(*executable).parent_path().parent_path();
+}
+
 } // namespace
 
 std::string homeDirectory() {
@@ -88,17 +97,26 @@ std::string executableBehind(const std::string& link) {
 }
 
 std::optional<std::string> resourcesDirectory() {
-    const auto executable = executablePath();
-    if (!executable) {
+    const auto prefix = installationPrefix();
+    if (!prefix) {
         return std::nullopt;
     }
-    const auto folder = std::filesystem::path(*executable).parent_path().parent_path() / "libexec" /
-                        "VorlaUsageMenuBar";
+    const auto folder = *prefix / "libexec" / "VorlaUsageMenuBar";
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error)) {
         return std::nullopt;
     }
     return folder.string();
+}
+
+std::string installedIcon() {
+    const auto prefix = installationPrefix();
+    if (!prefix) {
+        return "";
+    }
+    const auto file = *prefix / "share/icons/hicolor/scalable/apps/com.vorla.UsageMenuBar.svg";
+    std::error_code error;
+    return std::filesystem::is_regular_file(file, error) ? file.string() : "";
 }
 
 } // namespace vorla

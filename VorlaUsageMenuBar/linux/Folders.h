@@ -29,4 +29,8 @@ std::string executableBehind(const std::string& link);
 /// is one.
 std::optional<std::string> resourcesDirectory();
 
+/// The picture of the application that is installed with the running executable, or empty if it is
+/// not installed.
+std::string installedIcon();
+
 } // namespace vorla

@@ -55,9 +55,10 @@ struct Codec<Pixmap> {
 
 } // namespace bus
 
-StatusNotifierItem::StatusNotifierItem(bus::Bus& bus, MainLoop& loop)
-    : bus_(bus), loop_(loop), menu_(bus, loop, menuPath),
-      object_(bus::exportObject(bus, itemPath, interface())) {
+StatusNotifierItem::StatusNotifierItem(bus::Bus& bus, MainLoop& loop, std::string iconFile)
+    : bus_(bus), loop_(loop), iconFile_(std::move(iconFile)), menu_(bus, loop, menuPath),
+      object_(bus::exportObject(bus, itemPath, interface())),
+      hostRecognition_(bus, loop, [this](IconKind kind) { adoptIconKind(kind); }) {
     const bus::SignalRule rule = {
         .sender = "org.freedesktop.DBus",
         .path = "/org/freedesktop/DBus",
@@ -68,7 +69,7 @@ StatusNotifierItem::StatusNotifierItem(bus::Bus& bus, MainLoop& loop)
         message.read<std::string>();
         message.read<std::string>();
         const auto newOwner = message.read<std::string>();
-        if (!newOwner.empty() && !icons_.empty()) {
+        if (!newOwner.empty() && isComplete_) {
             registerItem();
         }
     });
@@ -83,7 +84,8 @@ bus::Interface StatusNotifierItem::interface() {
     result.property("Id", [] { return std::string("VorlaUsageMenuBar"); });
     result.property("Title", [this] { return title_; });
     result.property("Status", [] { return std::string("Active"); });
-    result.property("IconPixmap", [this] { return icons_; });
+    result.property("IconName", [this] { return icon_.name; });
+    result.property("IconPixmap", [this] { return icon_.pixmaps; });
     result.property("ToolTip", [this] { return ToolTip{"", {}, toolTipText(title_), ""}; });
     result.property("ItemIsMenu", [] { return true; });
     result.property("Menu", [] { return bus::ObjectPath{menuPath}; });
@@ -100,8 +102,7 @@ bus::Interface StatusNotifierItem::interface() {
 // Panels ask for them all the same.
 void StatusNotifierItem::addUnusedProperties(bus::Interface& interface) {
     for (const char* const name :
-         {"IconName", "IconThemePath", "OverlayIconName", "AttentionIconName",
-          "AttentionMovieName"}) {
+         {"IconThemePath", "OverlayIconName", "AttentionIconName", "AttentionMovieName"}) {
         interface.property(name, [] { return std::string{}; });
     }
     for (const char* const name : {"OverlayIconPixmap", "AttentionIconPixmap"}) {
@@ -112,33 +113,47 @@ void StatusNotifierItem::addUnusedProperties(bus::Interface& interface) {
 }
 
 void StatusNotifierItem::show(const StatusMenu& menu) {
-    const bool isFirst = icons_.empty();
     menu_.show(menu.lines);
-    showTitle(plainLabel(menu.title));
-    showFigures(menu.figures);
-    if (isFirst) {
+    std::string title = plainLabel(menu.title);
+    const bool titleChanges = title != title_;
+    const bool figuresChange = menu.figures != figures_;
+    title_ = std::move(title);
+    figures_ = menu.figures;
+    if (titleChanges) {
+        announceTitle();
+    }
+    if (titleChanges || figuresChange || !isComplete_) {
+        drawIcon();
+    }
+    if (!isComplete_) {
+        isComplete_ = true;
         registerItem();
     }
 }
 
-void StatusNotifierItem::showTitle(const std::string& title) {
-    if (title == title_) {
-        return;
-    }
-    title_ = title;
+void StatusNotifierItem::announceTitle() {
     // Each panel listens to others of these, and reads nothing anew at PropertiesChanged.
     bus_.emit(itemPath, interfaceName, "XAyatanaNewLabel", title_, std::string(titleGuide));
     bus_.emit(itemPath, interfaceName, "NewTitle");
     bus_.emit(itemPath, interfaceName, "NewToolTip");
 }
 
-void StatusNotifierItem::showFigures(const std::vector<std::int64_t>& figures) {
-    if (figures == figures_ && !icons_.empty()) {
+void StatusNotifierItem::adoptIconKind(IconKind kind) {
+    if (kind == iconKind_) {
         return;
     }
-    figures_ = figures;
-    icons_ = figureIcons(figures_);
-    bus_.emit(itemPath, interfaceName, "NewIcon");
+    iconKind_ = kind;
+    if (isComplete_) {
+        drawIcon();
+    }
+}
+
+void StatusNotifierItem::drawIcon() {
+    ItemIcon icon = itemIcon(iconKind_, {figures_, title_}, iconFile_);
+    if (icon != icon_) {
+        icon_ = std::move(icon);
+        bus_.emit(itemPath, interfaceName, "NewIcon");
+    }
 }
 
 /// A panel that does not answer, or none at all, is no failure: the next one gets its own call.

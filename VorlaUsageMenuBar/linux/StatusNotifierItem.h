@@ -2,7 +2,8 @@
 #pragma once
 
 #include "linux/DbusMenu.h"
-#include "linux/FigureIcon.h"
+#include "linux/HostRecognition.h"
+#include "linux/ItemIcon.h"
 
 namespace vorla {
 
@@ -13,8 +14,9 @@ namespace vorla {
 /// panels that find one delay the menu or do not open it at all.
 class StatusNotifierItem final : public StatusItem {
 public:
+    /// `iconFile` is the absolute path of the picture for panels that take no pixels, or empty.
     /// Throws std::system_error if the bus refuses the objects.
-    StatusNotifierItem(bus::Bus& bus, MainLoop& loop);
+    StatusNotifierItem(bus::Bus& bus, MainLoop& loop, std::string iconFile);
 
     void setListener(Listener* listener) override { menu_.setListener(listener); }
 
@@ -24,23 +26,28 @@ public:
 private:
     bus::Interface interface();
     void addUnusedProperties(bus::Interface& interface);
-    void showTitle(const std::string& title);
-    void showFigures(const std::vector<std::int64_t>& figures);
+    void announceTitle();
+    void adoptIconKind(IconKind kind);
+    void drawIcon();
     void registerItem();
     void keepActivationToken(const std::string& token);
 
     bus::Bus& bus_;
     MainLoop& loop_;
+    std::string iconFile_;
     std::string title_;
     std::vector<std::int64_t> figures_;
-    /// Empty until the first show(): the item is not complete before.
-    std::vector<Pixmap> icons_;
+    IconKind iconKind_ = IconKind::figures;
+    ItemIcon icon_;
+    /// Since the first show(): before, there is nothing that a panel could be told.
+    bool isComplete_ = false;
     std::optional<std::string> activationToken_;
     std::unique_ptr<MainLoop::Source> activationTokenLimit_;
     DbusMenu menu_;
     bus::Slot object_;
     bus::Slot watcherChanges_;
     bus::Slot registration_;
+    HostRecognition hostRecognition_;
 };
 
 } // namespace vorla

@@ -131,7 +131,7 @@ protected:
     PrivateBus daemon;
     ManualLoop loop;
     bus::Bus applicationBus = bus::Bus::open(loop.real(), daemon.address());
-    StatusNotifierItem item{applicationBus, loop};
+    StatusNotifierItem item{applicationBus, loop, "/usr/share/icons/of-the-program.svg"};
     RecordingListener listener;
     ScriptedPanel panel{loop, daemon.address()};
 };

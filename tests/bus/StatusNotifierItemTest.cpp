@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bus/ItemFixture.h"
+#include "linux/FigureIcon.h"
 
 namespace vorla {
 

@@ -56,6 +56,7 @@ std::string matchText(const SignalRule& rule) {
     add("interface", rule.interface);
     add("member", rule.member);
     add("arg0", rule.firstArgument);
+    add("arg0namespace", rule.firstArgumentNamespace);
     return text;
 }
 

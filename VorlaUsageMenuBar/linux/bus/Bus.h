@@ -39,6 +39,8 @@ struct SignalRule {
     std::string member = {};
     /// The text that is the signal's first argument.
     std::string firstArgument = {};
+    /// The first part of the bus name that is the signal's first argument, such as "org.kde".
+    std::string firstArgumentNamespace = {};
 };
 
 /// What came back: the results, or why there are none (an error, no answer in time, other types).
