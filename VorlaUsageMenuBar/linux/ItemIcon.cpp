@@ -9,21 +9,34 @@
 
 namespace vorla {
 
-ItemIcon itemIcon(IconKind kind, const IconContents& contents, const std::string& file) {
+std::vector<Pixmap> iconPixmaps(IconKind kind, const IconContents& contents) {
     switch (kind) {
     case IconKind::gauge:
-        return {.pixmaps = gaugeIcons(contents.figures)};
+        return gaugeIcons(contents.figures);
     case IconKind::figures:
-        return {.pixmaps = figureIcons(contents.figures)};
+        return figureIcons(contents.figures);
     case IconKind::figuresAndTitle: {
-        ItemIcon icon{.pixmaps = figureIcons(contents.figures)};
-        icon.pixmaps.push_back(titleIcon(contents.title));
-        return icon;
+        auto pixmaps = figureIcons(contents.figures);
+        pixmaps.push_back(titleIcon(contents.title));
+        return pixmaps;
     }
     case IconKind::file:
-        return {.name = file};
+        return {};
     }
     std::abort();
+}
+
+// FNV-1a, with the constants that its authors chose for 64 bits.
+std::uint64_t fingerprint(std::span<const Pixmap> pixmaps) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    const auto add = [&hash](std::uint64_t value) { hash = (hash ^ value) * 0x100000001B3U; };
+    for (const Pixmap& pixmap : pixmaps) {
+        add(static_cast<std::uint64_t>(pixmap.width));
+        for (const std::uint8_t byte : pixmap.argb) {
+            add(byte);
+        }
+    }
+    return hash;
 }
 
 } // namespace vorla

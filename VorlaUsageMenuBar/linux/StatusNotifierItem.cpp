@@ -84,8 +84,8 @@ bus::Interface StatusNotifierItem::interface() {
     result.property("Id", [] { return std::string("VorlaUsageMenuBar"); });
     result.property("Title", [this] { return title_; });
     result.property("Status", [] { return std::string("Active"); });
-    result.property("IconName", [this] { return icon_.name; });
-    result.property("IconPixmap", [this] { return icon_.pixmaps; });
+    result.property("IconName", [this] { return iconName(); });
+    result.property("IconPixmap", [this] { return drawnIcon(); });
     result.property("ToolTip", [this] { return ToolTip{"", {}, toolTipText(title_), ""}; });
     result.property("ItemIsMenu", [] { return true; });
     result.property("Menu", [] { return bus::ObjectPath{menuPath}; });
@@ -122,8 +122,8 @@ void StatusNotifierItem::show(const StatusMenu& menu) {
     if (titleChanges) {
         announceTitle();
     }
-    if (titleChanges || figuresChange || !isComplete_) {
-        drawIcon();
+    if (titleChanges || figuresChange) {
+        announceIcon();
     }
     if (!isComplete_) {
         isComplete_ = true;
@@ -139,21 +139,28 @@ void StatusNotifierItem::announceTitle() {
 }
 
 void StatusNotifierItem::adoptIconKind(IconKind kind) {
-    if (kind == iconKind_) {
-        return;
-    }
+    const bool changes = kind != iconKind_;
     iconKind_ = kind;
-    if (isComplete_) {
-        drawIcon();
+    if (changes && isComplete_) {
+        announceIcon();
     }
 }
 
-void StatusNotifierItem::drawIcon() {
-    ItemIcon icon = itemIcon(iconKind_, {figures_, title_}, iconFile_);
-    if (icon != icon_) {
-        icon_ = std::move(icon);
+// Different figures may look the same.
+void StatusNotifierItem::announceIcon() {
+    const std::uint64_t fingerprintNow = fingerprint(drawnIcon());
+    if (fingerprintNow != iconFingerprint_) {
+        iconFingerprint_ = fingerprintNow;
         bus_.emit(itemPath, interfaceName, "NewIcon");
     }
+}
+
+std::string StatusNotifierItem::iconName() const {
+    return iconKind_ == IconKind::file ? iconFile_ : "";
+}
+
+std::vector<Pixmap> StatusNotifierItem::drawnIcon() const {
+    return iconPixmaps(iconKind_, {figures_, title_});
 }
 
 /// A panel that does not answer, or none at all, is no failure: the next one gets its own call.

@@ -28,7 +28,9 @@ private:
     void addUnusedProperties(bus::Interface& interface);
     void announceTitle();
     void adoptIconKind(IconKind kind);
-    void drawIcon();
+    void announceIcon();
+    std::string iconName() const;
+    std::vector<Pixmap> drawnIcon() const;
     void registerItem();
     void keepActivationToken(const std::string& token);
 
@@ -38,7 +40,9 @@ private:
     std::string title_;
     std::vector<std::int64_t> figures_;
     IconKind iconKind_ = IconKind::figures;
-    ItemIcon icon_;
+    /// Of what was announced last. The pixels themselves are drawn anew for each panel that reads
+    /// them: keeping them would take more memory than drawing them takes time.
+    std::uint64_t iconFingerprint_ = 0;
     /// Since the first show(): before, there is nothing that a panel could be told.
     bool isComplete_ = false;
     std::optional<std::string> activationToken_;

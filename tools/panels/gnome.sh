@@ -38,6 +38,8 @@ END
     set_value desktop.background primary-color "'#335577'"
     set_value desktop.lockdown disable-lock-screen true
     set_value desktop.session idle-delay 0
+    # It would complain that nobody can lock the screen here.
+    set_value desktop.notifications show-banners false
 }
 
 set_value() { gsettings set "org.gnome.$1" "$2" "$3"; }
