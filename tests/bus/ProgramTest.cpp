@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The program itself, as a desktop or a user starts it.
 #include "app/Command.h"
+#include "bus/PanelProcess.h"
 #include "bus/ProgramFixture.h"
 #include "bus/ScriptedNotificationService.h"
 
@@ -42,6 +43,30 @@ TEST_F(ProgramTest, saysThatThereIsNoSessionBus) {
     for (const auto& variables : settings) {
         expectEnd(start({}, variables), 1, "VorlaUsageMenuBar: There is no session bus.\n");
     }
+}
+
+TEST_F(ProgramTest, namesItsInstalledIconToAPanelThatReadsOnlyFiles) {
+    const auto prefix = folder() / "prefix";
+    const auto program = prefix / "bin" / "VorlaUsageMenuBar";
+    const auto icon = prefix / "share/icons/hicolor/scalable/apps/com.vorla.UsageMenuBar.svg";
+    std::filesystem::create_directories(program.parent_path());
+    std::filesystem::create_directories(icon.parent_path());
+    std::filesystem::copy_file(VORLA_PROGRAM, program);
+    std::ofstream(icon) << "<svg/>";
+    const PrivateBus bus;
+    const PanelProcess applet("ayatana-indicat", bus.address(), {"org.kde.StatusNotifierWatcher"});
+    ScriptedPanel reader(loop(), bus.address());
+    std::size_t icons = 0;
+    const auto changes = reader.bus().subscribe(
+        {.sender = applicationName, .member = "NewIcon"}, [&](bus::Message&) { ++icons; });
+
+    executable = program;
+    auto& installed = start(
+        {}, {"DBUS_SESSION_BUS_ADDRESS=" + bus.address(), "VORLA_USAGE_EXECUTABLE=/nonexistent"});
+    ASSERT_TRUE(loop().runUntil(
+        [&] { return icons > 0 && reader.itemProperty<std::string>("IconName") == icon; }));
+    installed.send(SIGTERM);
+    expectEnd(installed, 0);
 }
 
 TEST_F(ProgramTest, registersItsItemAndShowsTheFigures) {
