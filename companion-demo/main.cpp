@@ -19,7 +19,8 @@ namespace vorla {
 namespace {
 
 /// None of the demonstration's texts holds a character that JSON would escape.
-std::string quoted(std::string_view text) {
+/// (Not called "quoted", which would lose to the standard function for a std::string.)
+std::string jsonString(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
@@ -44,14 +45,14 @@ std::string object(const std::vector<Member>& members) {
     std::vector<std::string> parts;
     parts.reserve(members.size());
     for (const Member& member : members) {
-        parts.push_back(quoted(member.key) + ":" + member.value);
+        parts.push_back(jsonString(member.key) + ":" + member.value);
     }
     return "{" + joined(parts) + "}";
 }
 
 std::string windowObject(const DemoWindow& window) {
     return object(
-        {{"name", quoted(window.name)},
+        {{"name", jsonString(window.name)},
          {"usedPercent", std::to_string(window.usedPercent())},
          {"remainingPercent", std::to_string(window.remainingPercent())},
          {"windowDurationMins", std::to_string(window.minutes)},
@@ -61,13 +62,13 @@ std::string windowObject(const DemoWindow& window) {
 std::string limitBuckets(const DemoWeek& week) {
     return array(
         {object(
-             {{"id", quoted("main")},
-              {"label", quoted("Main")},
+             {{"id", jsonString("main")},
+              {"label", jsonString("Main")},
               {"isDefault", "true"},
               {"windows", array({windowObject(week.fiveHour), windowObject(week.weekly)})}}),
          object(
-             {{"id", quoted("large-tasks")},
-              {"label", quoted("Large tasks")},
+             {{"id", jsonString("large-tasks")},
+              {"label", jsonString("Large tasks")},
               {"isDefault", "false"},
               {"windows",
                array({windowObject(week.largeTasksHourly), windowObject(week.largeTasksWeekly)})},
@@ -86,11 +87,11 @@ std::vector<Member> mostPressured(const DemoWeek& week) {
         classification = "behind";
     }
     return {
-        {"bucketLabel", quoted("Main")},
+        {"bucketLabel", jsonString("Main")},
         {"bucketIsDefault", "true"},
-        {"windowLabel", quoted(fiveHour > weekly ? "5h" : "weekly")},
+        {"windowLabel", jsonString(fiveHour > weekly ? "5h" : "weekly")},
         {"deltaPoints", decimal(points)},
-        {"classification", quoted(classification)}};
+        {"classification", jsonString(classification)}};
 }
 
 std::string pressureCheck(const DemoWeek& week) {
@@ -101,9 +102,9 @@ std::string pressureCheck(const DemoWeek& week) {
     }
     return object(
         {{"blocked", "true"},
-         {"bucketLabel", quoted("Large tasks")},
+         {"bucketLabel", jsonString("Large tasks")},
          {"bucketIsDefault", "false"},
-         {"windowLabel", quoted("hourly")},
+         {"windowLabel", jsonString("hourly")},
          {"secondary", object(pressured)}});
 }
 
@@ -111,7 +112,7 @@ std::string resetCredits(const DemoWeek& week) {
     constexpr std::int64_t weekSeconds = std::int64_t{7} * 86400;
     const auto credit = [&](std::string_view status, std::int64_t weeks) {
         const std::int64_t expiresAt = week.weekly.startsAt + weeks * weekSeconds;
-        return object({{"status", quoted(status)}, {"expiresAt", std::to_string(expiresAt)}});
+        return object({{"status", jsonString(status)}, {"expiresAt", std::to_string(expiresAt)}});
     };
     return object(
         {{"availableCount", "2"},
@@ -132,10 +133,10 @@ std::string notificationEvent(const DemoWindow& window, const std::string& label
     // The reset time makes the key the same throughout a window and new in the next one.
     const std::string key = std::string(window.name) + "-low-" + std::to_string(window.resetsAt());
     return object(
-        {{"key", quoted(key)},
-         {"title", quoted(label + " quota is running low")},
+        {{"key", jsonString(key)},
+         {"title", jsonString(label + " quota is running low")},
          {"body",
-          quoted("Less than " + std::to_string(lowPercent) + "% is left until it resets.")}});
+          jsonString("Less than " + std::to_string(lowPercent) + "% is left until it resets.")}});
 }
 
 std::string notificationEvents(const DemoWeek& week) {
@@ -154,7 +155,7 @@ std::string snapshot(const DemoWeek& week) {
     return object(
         {{"schemaVersion", "1"},
          {"fetchedAt", std::to_string(week.now)},
-         {"planType", quoted("pro")},
+         {"planType", jsonString("pro")},
          {"windows", array({windowObject(week.fiveHour), windowObject(week.weekly)})},
          {"limitBuckets", limitBuckets(week)},
          {"pressureCheck", pressureCheck(week)},
@@ -168,14 +169,15 @@ std::string snapshot(const DemoWeek& week) {
 std::string diagnostics(const DemoWeek& week) {
     return object(
         {{"diagnosticSchemaVersion", "1"},
-         {"tool", object({{"name", quoted("vorla-usage")}, {"variant", quoted("demonstration")}})},
+         {"tool",
+          object({{"name", jsonString("vorla-usage")}, {"variant", jsonString("demonstration")}})},
          {"generatedAt", std::to_string(week.now)},
-         {"source", quoted("the clock: no account, no network, no files")},
-         {"planType", quoted("pro")},
+         {"source", jsonString("the clock: no account, no network, no files")},
+         {"planType", jsonString("pro")},
          {"windows", array({windowObject(week.fiveHour), windowObject(week.weekly)})},
          {"checks", array(
-                        {object({{"name", quoted("clock/readable")}, {"passed", "true"}}),
-                         object({{"name", quoted("week/computed")}, {"passed", "true"}})})}});
+                        {object({{"name", jsonString("clock/readable")}, {"passed", "true"}}),
+                         object({{"name", jsonString("week/computed")}, {"passed", "true"}})})}});
 }
 
 /// The present, or the moment set in VORLA_DEMO_NOW; nothing if that is not a usable one.
