@@ -256,9 +256,10 @@ TEST(UsageLines, theDefaultBucketAloneAddsNothing) {
 }
 
 TEST(UsageLines, bankedResetsShowTheirFirstExpiryIfAny) {
+    using Credits = std::vector<Usage::Credits::Credit>;
     struct Row {
         std::int64_t availableCount;
-        std::optional<std::vector<Usage::Credits::Credit>> credits;
+        std::optional<Credits> credits;
         Titles titles;
     };
 
@@ -272,7 +273,7 @@ TEST(UsageLines, bankedResetsShowTheirFirstExpiryIfAny) {
         {0, {{december}}, {"Banked resets: 0"}},
         {-1, {{december}}, {"Banked resets: -1"}},
         {2, std::nullopt, {"Banked resets: 2"}},
-        {2, {{}}, {"Banked resets: 2"}},
+        {2, Credits(), {"Banked resets: 2"}},
         {2, {{open, never, used}}, {"Banked resets: 2"}},
         {1, {{january, december}}, {"Banked resets: 1", "Expires Dec 1"}},
         {1, {{open, january, never}}, {"Banked resets: 1", "Expires Jan 1"}},
