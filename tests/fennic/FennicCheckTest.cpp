@@ -338,7 +338,8 @@ TEST(FennicCheck, tellsTheSystemsProxyNoMoreThanTheHost) {
     qunsetenv("https_proxy");
     EXPECT_EQ(outcome, std::nullopt);
     EXPECT_TRUE(told.starts_with("CONNECT service.example:443 HTTP/1.1\r\n")) << told;
-    EXPECT_NE(told.find("User-Agent: VorlaUsageFennic\r\n"), std::string::npos) << told;
+    // Newer versions of the toolkit write the names of headers in small letters.
+    EXPECT_NE(told.find("gent: VorlaUsageFennic\r\n"), std::string::npos) << told;
     EXPECT_EQ(told.find("Mozilla"), std::string::npos) << told;
     EXPECT_EQ(told.find("Sort"), std::string::npos) << told;
 }
