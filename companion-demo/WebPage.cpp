@@ -109,8 +109,8 @@ std::string grid() {
     std::string text;
     for (const int percent : {25, 50, 75}) {
         const std::string height = decimal(chartHeight * (1 - percent / 100.0));
-        text.append("<line class=\"track\" x1=\"0\" y1=\"").append(height);
-        text.append("\" x2=\"").append(decimal(chartWidth)).append("\" y2=\"").append(height);
+        text.append(R"(<line class="track" x1="0" y1=")").append(height);
+        text.append(R"(" x2=")").append(decimal(chartWidth)).append(R"(" y2=")").append(height);
         text.append("\"/>\n");
     }
     for (const int percent : {50, 100}) {

@@ -49,7 +49,7 @@ std::string transcribed(std::string_view text) {
 /// How many bytes of `label` fit when each underscore takes two.
 std::size_t fittingWhenDoubled(std::string_view label) {
     std::size_t doubledBytes = 0;
-    const auto firstTooMany = std::ranges::find_if(label, [&](char byte) {
+    const auto* const firstTooMany = std::ranges::find_if(label, [&](char byte) {
         doubledBytes += byte == '_' ? 2 : 1;
         return doubledBytes > maximumBytes;
     });
