@@ -140,7 +140,7 @@ curve(std::string_view title, const DemoHabit& habit, const DemoWindow& window, 
     text.append(title).append("</h2>\n<svg viewBox=\"-2 -2 604 164\" role=\"img\" aria-label=\"");
     text.append(title).append("\">\n<rect class=\"track\" width=\"").append(width);
     text.append("\" height=\"").append(height).append("\"/>\n").append(grid());
-    text.append("<line class=\"even\" x1=\"0\" y1=\"");
+    text.append(R"(<line class="even" x1="0" y1=")");
     text.append(height).append("\" x2=\"").append(width).append("\" y2=\"0\"/>\n");
     text.append(R"(<polygon class="below" points="0,)").append(height).append(" ").append(points);
     text.append(" ").append(present.across).append(",").append(height).append("\"/>\n");
