@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Text as panels get to see it: of a form that the bus takes, and of bounded length. Line breaks
-/// stay. A text that is not empty never becomes so: U+FFFD stands for one that cannot be shown.
+/// Text as panels get to see it, of a form that the bus takes. Line breaks stay. A label that is
+/// not empty never becomes so: U+FFFD stands for one that cannot be shown.
 namespace vorla {
 
 /// What the bus library takes: well-formed UTF-8 without NUL and, stricter than the protocol,

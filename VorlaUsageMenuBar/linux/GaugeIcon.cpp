@@ -32,8 +32,8 @@ constexpr std::array<Layout, 6> layouts{{
 }};
 
 constexpr std::uint8_t filledAlpha = 0xFF;
-/// Of what has been used up: still to be seen on any panel, and at least 3 to 1 weaker than what is
-/// left.
+/// Of what has been used up: still to be seen on black and on white, and about 3 to 1 weaker there
+/// than what is left.
 constexpr std::uint8_t emptyAlpha = 0x50;
 
 /// Whole rows. Little is never shown as nothing, nor nearly all as all.

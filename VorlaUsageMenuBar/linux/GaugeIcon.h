@@ -14,7 +14,7 @@ namespace vorla {
 /// bars themselves stand out from light and dark panels alike.
 ///
 /// Each figure lies within 0 to 100; what comes after the second is left out. Without any there are
-/// two empty bars. Any thread.
+/// two empty bars; the text beside them says that the figures are unknown. Any thread.
 std::vector<Pixmap> gaugeIcons(std::span<const std::int64_t> figures);
 
 } // namespace vorla

@@ -18,8 +18,8 @@ enum class IconKind {
     file,
 };
 
-/// By the command names of the processes that show status items, as the kernel knows them: cut to
-/// 15 bytes, one for each process. Unknown panels, none at all, and several that need different
+/// By the command names of the processes that own the bus names of panels, as the kernel knows
+/// them: cut to 15 bytes. Unknown panels, none at all, and several that need different
 /// icons get the figures, which every panel can show.
 IconKind iconKind(const std::set<std::string>& panels);
 

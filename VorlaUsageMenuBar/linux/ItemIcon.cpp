@@ -32,6 +32,7 @@ std::uint64_t fingerprint(std::span<const Pixmap> pixmaps) {
     const auto add = [&hash](std::uint64_t value) { hash = (hash ^ value) * 0x100000001B3U; };
     for (const Pixmap& pixmap : pixmaps) {
         add(static_cast<std::uint64_t>(pixmap.width));
+        add(static_cast<std::uint64_t>(pixmap.height));
         for (const std::uint8_t byte : pixmap.argb) {
             add(byte);
         }

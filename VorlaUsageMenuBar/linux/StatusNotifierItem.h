@@ -41,7 +41,7 @@ private:
     std::vector<std::int64_t> figures_;
     IconKind iconKind_ = IconKind::figures;
     /// Of what was announced last. The pixels themselves are drawn anew for each panel that reads
-    /// them: keeping them would take more memory than drawing them takes time.
+    /// them (docs/decisions/0009).
     std::uint64_t iconFingerprint_ = 0;
     /// Since the first show(): before, there is nothing that a panel could be told.
     bool isComplete_ = false;

@@ -90,8 +90,7 @@ struct MenuLine {
     bool operator==(const MenuLine&) const = default;
 };
 
-/// Everything that the status item shows: a value, compared with the last one before anything is
-/// sent.
+/// Everything that the status item shows, as a value.
 struct StatusMenu {
     std::string title;
     /// The remaining percentages in the title, in its order, for an icon that holds only figures.
@@ -118,7 +117,8 @@ struct MenuState {
 };
 
 /// Computes title and menu. `now` is in seconds since the Unix epoch; dates are in the local time
-/// zone. Precondition: textsCanHold(state.usage, state.pace), `now` is not before the epoch.
+/// zone. Precondition: state.usage comes from Usage::decode(), textsCanHold(state.usage,
+/// state.pace), and `now` is not before the epoch.
 StatusMenu composeMenu(const MenuState& state, double now);
 
 /// Whether every number that the menu would make a text of fits that text, whatever the clock will

@@ -164,6 +164,9 @@ protected:
         EXPECT_EQ(host->shownText(), wanted.text);
         EXPECT_EQ(host->shownFile(), wanted.file);
         EXPECT_TRUE(host->shownPixmap() == wanted.pixmap);
+        if (host->rereadsTitle()) {
+            EXPECT_EQ(host->title(), menu.title);
+        }
     }
 
     void expectLines(const StatusMenu& menu) const {

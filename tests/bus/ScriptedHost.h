@@ -102,7 +102,8 @@ public:
     bool leftClick() {
         using LeftClick = HostTraits::LeftClick;
         const auto click = traits_.leftClick;
-        bool refused = true;
+        // A click goes to the item itself unless that is nothing but a menu.
+        bool refused = itemIsMenu_;
         if (click == LeftClick::onlyActivates || click == LeftClick::opensItIfActivateFails) {
             refused = callItem("Activate");
         }
@@ -182,7 +183,13 @@ public:
         return shown;
     }
 
-    const HostTraits& traits() const { return traits_; }
+    /// As it was when this panel last read it.
+    const std::string& title() const { return title_; }
+
+    bool rereadsTitle() const {
+        const auto names = traits_.rereads.find("NewTitle");
+        return names != traits_.rereads.end() && names->second.contains("Title");
+    }
 
     /// Names of all signals since the last call.
     std::vector<std::string> newSignals() { return std::exchange(heard_, {}); }
@@ -260,6 +267,8 @@ private:
                 readProperty(name, text->second);
             } else if (name == "IconPixmap") {
                 readProperty(name, pictures_);
+            } else if (name == "ItemIsMenu") {
+                readProperty(name, itemIsMenu_);
             }
         }
     }
@@ -345,6 +354,7 @@ private:
     std::vector<std::string> heard_;
     std::string itemPath_;
     std::string title_;
+    bool itemIsMenu_ = false;
     std::string label_;
     std::string iconName_;
     Pictures pictures_;

@@ -38,6 +38,7 @@ TEST(IconKind, isWhatThePanelsAtHandMakeTheBestOf) {
         {{"waybar", "xapp-sn-watcher"}, IconKind::figuresAndTitle},
         {{"waybar", "panel-6-systray"}, IconKind::figures},
         {{"gnome-shell", "waybar"}, IconKind::figures},
+        {{"kded5", "waybar"}, IconKind::figures},
         {{"ayatana-indicat", "notification-ar"}, IconKind::figures},
         {{"", "gnome-shell"}, IconKind::figures},
     };
