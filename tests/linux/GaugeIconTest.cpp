@@ -58,13 +58,7 @@ Level level(const Pixmap& icon, const std::pair<int, int>& bar) {
 }
 
 TEST(GaugeIcon, comesInTheSizesThatPanelsUse) {
-    std::vector<int> sizes;
-    for (const Pixmap& icon : icons({87, 62})) {
-        EXPECT_EQ(icon.width, icon.height);
-        EXPECT_EQ(icon.argb.size(), static_cast<std::size_t>(icon.width * icon.height * 4));
-        sizes.push_back(icon.width);
-    }
-    EXPECT_EQ(sizes, (std::vector{16, 22, 24, 32, 48, 64}));
+    expectPanelSizes(icons({87, 62}));
 }
 
 TEST(GaugeIcon, hasOneBarForEachFigureAndTwoWithoutAny) {

@@ -3,11 +3,15 @@
 
 #include "linux/Pixmap.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace vorla {
 
@@ -96,6 +100,17 @@ inline std::string picture(const Pixmap& icon) {
         text += '\n';
     }
     return text;
+}
+
+/// Squares in all sizes that panels use, so that none has to be scaled.
+inline void expectPanelSizes(const std::vector<Pixmap>& icons) {
+    std::vector<int> sizes;
+    for (const Pixmap& icon : icons) {
+        EXPECT_EQ(icon.width, icon.height);
+        EXPECT_EQ(icon.argb.size(), static_cast<std::size_t>(icon.width * icon.height * 4));
+        sizes.push_back(icon.width);
+    }
+    EXPECT_EQ(sizes, (std::vector{16, 22, 24, 32, 48, 64}));
 }
 
 inline std::string savedPicture(const std::string& name) {
