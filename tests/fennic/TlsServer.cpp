@@ -125,6 +125,11 @@ std::string answerText(int status, std::string_view body, std::string_view heade
            "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + std::string(body);
 }
 
+void send(QSslSocket& socket, std::string_view bytes) {
+    socket.write(bytes.data(), static_cast<qint64>(bytes.size()));
+    socket.flush();
+}
+
 void staySilent(QSslSocket&) {}
 
 } // namespace vorla

@@ -62,6 +62,9 @@ inline TlsServer::Answer answer(int status, std::string_view body, std::string_v
     return raw(answerText(status, body, headers));
 }
 
+/// Sends the bytes as they are, at once, and leaves the connection open.
+void send(QSslSocket& socket, std::string_view bytes);
+
 /// Receives everything and says nothing.
 void staySilent(QSslSocket& socket);
 
