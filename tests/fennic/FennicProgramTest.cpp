@@ -61,7 +61,12 @@ TEST(FennicProgram, takesLaterLinesWhateverTheySayAndStaysOpen) {
     program.send(FennicOpening{.quota = {}, .activationToken = "token"}.encode().value());
     program.send(FennicRaise{}.encode());
     program.send(FennicRaise{.activationToken = "token"}.encode());
+    // More than the pipe holds: when all of it has been written, the nonsense has been read.
     program.send("nonsense\n\n[]\n" + std::string(2 * maximumFennicSeamLine, 'x') + "\n");
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return program.process.bytesToWrite() == 0; }, waitLimitMilliseconds));
+    EXPECT_EQ(program.process.state(), QProcess::Running);
+    EXPECT_EQ(program.standardOutput(), "");
     program.process.closeWriteChannel();
     EXPECT_EQ(program.wait(), 0);
     EXPECT_EQ(program.standardOutput(), "closing\n");
