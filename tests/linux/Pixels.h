@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/Contrast.h"
 #include "linux/Pixmap.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <fstream>
 #include <sstream>
@@ -42,19 +41,12 @@ inline Pixel over(const Pixel& panel, const Pixel& pixel) {
         mixed(panel.blue, pixel.blue)};
 }
 
-/// Relative luminance as the Web Content Accessibility Guidelines 2.1 define it, 0 to 1.
 inline double luminance(const Pixel& colour) {
-    const auto linear = [](int channel) {
-        const double share = channel / 255.0;
-        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) +
-           0.0722 * linear(colour.blue);
+    return luminance(colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0);
 }
 
 inline double contrast(const Pixel& one, const Pixel& other) {
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
+    return contrast(luminance(one), luminance(other));
 }
 
 /// 0 where the plate shows, 255 for the text's full colour. The middle of the upper edge is never
