@@ -4,115 +4,29 @@
 #include "linux/EventLoop.h"
 #include "linux/FileDescriptor.h"
 #include "linux/TemporaryFolder.h"
+#include "panel/DisplayServer.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <optional>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace vorla {
 namespace {
 
-/// So generous that only a mistake reaches it.
-constexpr std::chrono::seconds patience{60};
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (auto& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-/// A program found in PATH, started with these descriptors as its standard input and output.
-pid_t start(
-    std::vector<std::string> command, std::vector<std::string> environment, int input, int output) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-    const auto arguments = pointersTo(command);
-    const auto variables = pointersTo(environment);
-    pid_t number = -1;
-    const int error = posix_spawnp(
-        &number, arguments.front(), &actions, nullptr, arguments.data(), variables.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) {
-        throw std::runtime_error("cannot start " + command.front());
-    }
-    return number;
-}
-
-/// A display server of the test's own; what it holds of a clipboard goes with it.
-class DisplayServer final {
-public:
-    /// The command must make it print its display's name, and a line end.
-    DisplayServer(const std::vector<std::string>& command, std::vector<std::string> environment) {
-        std::array<int, 2> ends{};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw std::runtime_error("no pipe");
-        }
-        const FileDescriptor readEnd(ends[0]);
-        const FileDescriptor writeEnd(ends[1]);
-        const FileDescriptor nothing(open("/dev/null", O_RDONLY | O_CLOEXEC));
-        number_ = start(command, std::move(environment), nothing.number(), writeEnd.number());
-        display_ = readLine(readEnd);
-    }
-
-    ~DisplayServer() {
-        kill(number_, SIGTERM);
-        waitpid(number_, nullptr, 0);
-    }
-
-    DisplayServer(const DisplayServer&) = delete;
-    DisplayServer& operator=(const DisplayServer&) = delete;
-
-    const std::string& display() const { return display_; }
-
-private:
-    static std::string readLine(const FileDescriptor& pipe) {
-        std::string line;
-        char byte = 0;
-        pollfd readable{.fd = pipe.number(), .events = POLLIN, .revents = 0};
-        const auto limit = std::chrono::milliseconds(patience).count();
-        while (poll(&readable, 1, static_cast<int>(limit)) == 1 &&
-               read(pipe.number(), &byte, 1) == 1 && byte != '\n') {
-            line += byte;
-        }
-        return line;
-    }
-
-    pid_t number_ = -1;
-    std::string display_;
-};
-
 class RealClipboardTest : public testing::Test {
 protected:
     void startXServer() {
-        server.emplace(
-            std::vector<std::string>{
-                "Xvfb", "-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp",
-                "-noreset"},
-            environment);
-        ASSERT_NE(server->display(), "");
-        environment.push_back("DISPLAY=:" + server->display());
+        server.emplace(environment);
+        environment.push_back("DISPLAY=" + server->display());
     }
 
     void startWaylandServer() {
@@ -133,7 +47,6 @@ protected:
             command.insert(command.begin(), asNobody.begin(), asNobody.end());
         }
         server.emplace(command, variables);
-        ASSERT_NE(server->display(), "");
         environment.push_back("WAYLAND_DISPLAY=" + server->display());
         environment.emplace_back("XDG_CURRENT_DESKTOP=sway");
     }

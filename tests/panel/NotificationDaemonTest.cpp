@@ -1,71 +1,21 @@
 // SPDX-License-Identifier: MIT
-#include "bus/ActivatableService.h"
-#include "bus/PrivateBus.h"
-#include "linux/FileDescriptor.h"
-#include "linux/NotificationCentre.h"
-#include "linux/TemporaryFolder.h"
+#include "bus/NotificationFixture.h"
+#include "panel/DisplayServer.h"
 
 #include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <map>
 
 namespace vorla {
 namespace {
 
-using Failure = std::optional<std::string>;
-
-/// A virtual screen of its own.
-class Screen final {
-public:
-    Screen() {
-        std::array<int, 2> ends = {};
-        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-        const FileDescriptor readEnd(ends[0]);
-        FileDescriptor writeEnd(ends[1]);
-        std::array<std::string, 7> words = {"Xvfb", "-displayfd", "3",       "-screen",
-                                            "0",    "640x480x24", "-noreset"};
-        std::array<char*, 8> arguments = {};
-        for (std::size_t index = 0; index < words.size(); ++index) {
-            arguments[index] = words[index].data();
-        }
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions, writeEnd.number(), 3);
-        EXPECT_EQ(posix_spawnp(&server_, "Xvfb", &actions, nullptr, arguments.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&actions);
-        writeEnd.close();
-        char byte = 0;
-        while (read(readEnd.number(), &byte, 1) == 1 && byte != '\n') {
-            display_.push_back(byte);
-        }
-    }
-
-    ~Screen() {
-        kill(server_, SIGTERM);
-        waitpid(server_, nullptr, 0);
-    }
-
-    Screen(const Screen&) = delete;
-    Screen& operator=(const Screen&) = delete;
-
-    const std::string& display() const { return display_; }
-
-private:
-    pid_t server_ = 0;
-    std::string display_ = ":";
-};
-
 /// A desktop with nothing but a bus, a screen and a home; the bus starts its services.
-class NotificationDaemon : public testing::Test {
+class NotificationDaemon : public NotificationFixture {
 protected:
     NotificationDaemon() {
         variables = {
@@ -79,7 +29,9 @@ protected:
             {"NO_AT_BRIDGE", "1"}};
         EXPECT_TRUE(callBus<>("UpdateActivationEnvironment", variables).results);
         variables["DBUS_SESSION_BUS_ADDRESS"] = daemon.address();
-        centre.emplace(bus, loop, NotificationSettingsPlaces{folder.at("config"), ""});
+        centre.emplace(
+            applicationBus, loop, NotificationSettingsPlaces{folder.at("config"), ""},
+            generousLimit);
     }
 
     void TearDown() override {
@@ -92,9 +44,9 @@ protected:
     template <typename... Results, typename... Arguments>
     bus::Reply<Results...> callBus(const std::string& member, const Arguments&... arguments) {
         std::optional<bus::Reply<Results...>> answer;
-        const auto slot = bus.call(
+        const auto slot = applicationBus.call(
             {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member},
-            std::chrono::seconds{25}, [&](const bus::Reply<Results...>& reply) { answer = reply; },
+            generousLimit, [&](const bus::Reply<Results...>& reply) { answer = reply; },
             arguments...);
         EXPECT_TRUE(loop.runUntil([&] { return answer.has_value(); }));
         return answer.value();
@@ -148,36 +100,9 @@ protected:
         return text;
     }
 
-    template <typename Answer, typename Ask>
-    Answer answerOf(const Ask& ask) {
-        std::optional<Answer> answer;
-        ask([&](const Answer& given) { answer = given; });
-        EXPECT_TRUE(loop.runUntil([&] { return answer.has_value(); }));
-        return answer.value_or(Answer{});
-    }
-
-    AuthorizationStatus status() {
-        return answerOf<AuthorizationStatus>(
-            [&](const auto& answer) { centre->getSettings(answer); });
-    }
-
-    AuthorizationAnswer request() {
-        return answerOf<AuthorizationAnswer>(
-            [&](const auto& answer) { centre->requestAuthorization(answer); });
-    }
-
-    Failure add(const Notification& notification) {
-        return answerOf<Failure>([&](const auto& answer) { centre->add(notification, answer); });
-    }
-
-    TemporaryFolder folder;
-    Screen screen;
-    PrivateBus daemon;
-    ManualLoop loop;
-    bus::Bus bus = bus::Bus::open(loop.real(), daemon.address());
+    DisplayServer screen{{std::string("PATH=") + std::getenv("PATH"), "HOME=" + folder.path()}};
     std::map<std::string, std::string> variables;
     std::vector<std::string> offered;
-    std::optional<DesktopNotificationCentre> centre;
 };
 
 constexpr auto serviceName = "org.freedesktop.Notifications";

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "linux/PublishedMenu.h"
+#include "linux/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -35,8 +35,8 @@ inline void run(const std::string& command) {
     }
 }
 
-inline Screenshot read(const std::filesystem::path& png) {
-    const std::string ppm = png.string() + ".ppm";
+inline Screenshot read(const std::string& png) {
+    const std::string ppm = png + ".ppm";
     run("convert " + quoted(png) + " -depth 8 " + quoted(ppm));
     std::ifstream file(ppm, std::ios::binary);
     std::string magic;
@@ -115,21 +115,13 @@ class RealPanel : public testing::Test {
 protected:
     static constexpr std::size_t barHeight = 80;
 
-    void SetUp() override {
-        std::string path = testing::TempDir() + "real-panel-XXXXXX";
-        ASSERT_NE(mkdtemp(path.data()), nullptr);
-        folder = path;
-    }
-
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
     /// Until it shows the two remaining percentages. `options` are variables for
     /// tools/private-session.
     void showInPanel(int fiveHour, int weekly, const std::string& options) const {
         writeSnapshot("snapshot.json", fiveHour, weekly);
         run("BAR_HEIGHT=" + std::to_string(barHeight) + " READY=" + quoted(titleBegins(fiveHour)) +
             " " + options + " " + quoted(VORLA_TEST_DATA "/../../tools/private-session") + " " +
-            quoted(folder / "shot") + " -- env SNAPSHOT=" + quoted(folder / "snapshot.json") +
+            quoted(folder.at("shot")) + " -- env SNAPSHOT=" + quoted(folder.at("snapshot.json")) +
             " VORLA_USAGE_EXECUTABLE=" + quoted(VORLA_TEST_CHILDREN "/printsSnapshot") + " " +
             quoted(VORLA_PROGRAM));
     }
@@ -142,14 +134,14 @@ protected:
             "/org/ayatana/NotificationItem/VorlaUsageMenuBar/Menu com.canonical.dbusmenu Event "
             "isvu " +
             std::to_string(lineId({.role = LineRole::refresh})) + " clicked i 0 0";
-        const std::string change = "mv \"" + (folder / "later.json").string() + "\" \"" +
-                                   (folder / "snapshot.json").string() + "\"; " + click +
+        const std::string change = "mv \"" + folder.at("later.json") + "\" \"" +
+                                   folder.at("snapshot.json") + "\"; " + click +
                                    "; until_true 30 eval \"" + titleBegins(31, "\\\"") + "\"";
         showInPanel(87, 62, options + " OPEN_MENU=1 MENU_CHANGE=" + quoted(change));
 
-        const Screenshot closed = read(folder / "shot-screen.png");
-        const Screenshot open = read(folder / "shot-menu.png");
-        const Screenshot changed = read(folder / "shot-changed.png");
+        const Screenshot closed = read(folder.at("shot-screen.png"));
+        const Screenshot open = read(folder.at("shot-menu.png"));
+        const Screenshot changed = read(folder.at("shot-changed.png"));
         const Difference menu = difference(closed, open, barHeight);
         ASSERT_LT(menu.top + 100, menu.bottom);
         ASSERT_LT(menu.left + 100, menu.right);
@@ -160,17 +152,18 @@ protected:
         EXPECT_LT(lines.bottom + 100, menu.bottom);
     }
 
-    std::filesystem::path folder;
+    TemporaryFolder folder;
 
 private:
     void writeSnapshot(const std::string& name, int fiveHour, int weekly) const {
-        std::ofstream(folder / name)
-            << R"({"schemaVersion": 1, "fetchedAt": 1700000000, "windows": [)"
-            << R"({"name": "5h", "windowDurationMins": 300, "resetsAt": 1700009000, )"
-            << R"("usedPercent": )" << 100 - fiveHour << R"(, "remainingPercent": )" << fiveHour
-            << R"(}, {"name": "weekly", "windowDurationMins": 10080, "resetsAt": 1700300000, )"
-            << R"("usedPercent": )" << 100 - weekly << R"(, "remainingPercent": )" << weekly
-            << "}]}";
+        std::ostringstream text;
+        text << R"({"schemaVersion": 1, "fetchedAt": 1700000000, "windows": [)"
+             << R"({"name": "5h", "windowDurationMins": 300, "resetsAt": 1700009000, )"
+             << R"("usedPercent": )" << 100 - fiveHour << R"(, "remainingPercent": )" << fiveHour
+             << R"(}, {"name": "weekly", "windowDurationMins": 10080, "resetsAt": 1700300000, )"
+             << R"("usedPercent": )" << 100 - weekly << R"(, "remainingPercent": )" << weekly
+             << "}]}";
+        folder.write(name, text.str());
     }
 
     /// A shell command; `quote` stands around its texts.

@@ -30,12 +30,12 @@ protected:
 
 TEST_F(WaybarPanel, showsTheWholeTitle) {
     showLarge(87, 62);
-    EXPECT_EQ(writing(read(folder / "shot-bar.png")), drawnWriting("5h 87% · W 62%"));
+    EXPECT_EQ(writing(read(folder.at("shot-bar.png"))), drawnWriting("5h 87% · W 62%"));
 }
 
 TEST_F(WaybarPanel, showsTheTitleAgainAfterThePanelWasRestarted) {
     showLarge(100, 5, "RESTART=1");
-    EXPECT_EQ(writing(read(folder / "shot-restart.png")), drawnWriting("5h 100% · W 5%"));
+    EXPECT_EQ(writing(read(folder.at("shot-restart.png"))), drawnWriting("5h 100% · W 5%"));
 }
 
 TEST_F(WaybarPanel, keepsAnOpenMenuInPlaceWhileFiguresChange) {

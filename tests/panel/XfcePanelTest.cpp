@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "linux/Pixels.h"
 #include "panel/RealPanel.h"
 
 namespace vorla {
@@ -6,10 +7,7 @@ namespace {
 
 /// What the saved picture says; a person has read it, and found 87 above 62.
 std::string savedWriting() {
-    const std::ifstream file(VORLA_TEST_DATA "/icons/87-over-62-in-panel.txt");
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return savedPicture("87-over-62-in-panel");
 }
 
 /// With icons as large as the largest that the program draws, so that none is scaled.
@@ -22,12 +20,12 @@ protected:
 
 TEST_F(XfcePanel, showsTheRemainingPercentages) {
     showLarge(87, 62);
-    EXPECT_EQ(writing(read(folder / "shot-bar.png")), savedWriting());
+    EXPECT_EQ(writing(read(folder.at("shot-bar.png"))), savedWriting());
 }
 
 TEST_F(XfcePanel, showsAnotherPercentageDifferently) {
     showLarge(37, 62);
-    const std::string shown = writing(read(folder / "shot-bar.png"));
+    const std::string shown = writing(read(folder.at("shot-bar.png")));
     const std::string saved = savedWriting();
     ASSERT_EQ(shown.size(), saved.size());
     const std::size_t half = saved.size() / 2;
@@ -37,7 +35,7 @@ TEST_F(XfcePanel, showsAnotherPercentageDifferently) {
 
 TEST_F(XfcePanel, showsTheItemAgainAfterThePanelWasRestarted) {
     showLarge(87, 62, "RESTART=1");
-    EXPECT_EQ(writing(read(folder / "shot-restart.png")), savedWriting());
+    EXPECT_EQ(writing(read(folder.at("shot-restart.png"))), savedWriting());
 }
 
 TEST_F(XfcePanel, keepsAnOpenMenuInPlaceWhileFiguresChange) {
