@@ -10,6 +10,7 @@
 
 #include <QProcess>
 #include <QTest>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -291,7 +292,7 @@ TEST_F(TaskFitCheck, bringsTheWindowToTheFrontOnASecondChoice) {
     EXPECT_TRUE(other.waitForFinished(waitLimitMilliseconds));
 }
 
-TEST_F(TaskFitCheck, isRefusedByTheProgramThatIsInstalledUnlessTheSystemTrustsTheService) {
+TEST_F(TaskFitCheck, isRefusedByTheInstalledProgramWhateverTheVariablesSay) {
     TlsServer imposter("server-of-release");
     imposter.answerWith({answer(200, goodBody)});
     const TunnelProxy way(imposter.serverPort());
@@ -300,6 +301,9 @@ TEST_F(TaskFitCheck, isRefusedByTheProgramThatIsInstalledUnlessTheSystemTrustsTh
     for (const char* name : {"SSL_CERT_FILE", "VORLA_FENNIC_CA_FILE"}) {
         variables.insert(name, certificateFile("authority"));
     }
+    for (const char* name : {"VORLA_FENNIC_HOST", "VORLA_FENNIC_DOMAIN"}) {
+        variables.insert(name, imposter.host());
+    }
     QProcess window;
     window.setProcessEnvironment(variables);
     window.start(VORLA_FENNIC_PROGRAM, QStringList());
@@ -307,9 +311,12 @@ TEST_F(TaskFitCheck, isRefusedByTheProgramThatIsInstalledUnlessTheSystemTrustsTh
     ASSERT_TRUE(waitFor([this] { return find("push button").has_value(); }));
     check("Sort");
     auto expected = initialLabels;
-    expected.emplace_back("The check could not reach vorla.example.");
+    expected.emplace_back("The check could not reach " VORLA_FENNIC_DOMAIN ".");
     EXPECT_TRUE(waitFor([&] { return labels() == expected; }));
-    EXPECT_EQ(way.requests().at(0), "CONNECT fennic.vorla.example:443 HTTP/1.1");
+    const QUrl service("https://" VORLA_FENNIC_HOST);
+    EXPECT_EQ(
+        way.requests().at(0),
+        QString("CONNECT %1:%2 HTTP/1.1").arg(service.host()).arg(service.port(443)).toUtf8());
     EXPECT_TRUE(imposter.requests().empty());
     window.closeWriteChannel();
     EXPECT_TRUE(window.waitForFinished(waitLimitMilliseconds));
