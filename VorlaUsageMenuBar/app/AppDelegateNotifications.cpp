@@ -2,7 +2,11 @@
 #include "app/AppDelegate.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <ranges>
 #include <utility>
+#include <vector>
 
 namespace vorla {
 
@@ -14,6 +18,24 @@ constexpr auto unavailablePrefix = "Notifications unavailable: ";
 constexpr auto unavailableOnThisVersionText = "Notifications unavailable on this macOS version.";
 constexpr auto failedPrefix = "Notification failed: ";
 constexpr std::size_t rememberedKeys = 64;
+/// Each costs calls on the bus and a list to be stored; nobody has so much to tell.
+constexpr std::size_t consideredEvents = 256;
+/// So the preferences can hold all remembered keys, even if each byte of them is written as six.
+constexpr std::size_t longestKeyBytes = 1024;
+
+using Events = std::vector<Usage::NotificationEvent>;
+
+/// The events that are not too many and whose keys are not too long.
+Events eventsWithinBounds(const Usage& usage) {
+    Events events;
+    if (usage.notificationEvents) {
+        std::ranges::copy_if(
+            *usage.notificationEvents | std::views::take(consideredEvents),
+            std::back_inserter(events),
+            [](const auto& event) { return event.key.size() <= longestKeyBytes; });
+    }
+    return events;
+}
 
 bool mayPost(AuthorizationStatus status) {
     return status == AuthorizationStatus::authorized || status == AuthorizationStatus::provisional;
@@ -68,9 +90,8 @@ void AppDelegate::evaluateNotifications(const Usage& usage) {
     if (!platform_.preferences.boolean(notificationsEnabledKey)) {
         return;
     }
-    auto events = usage.notificationEvents.value_or(std::vector<Usage::NotificationEvent>());
     platform_.notificationCentre.getSettings(
-        whileAlive([this, events = std::move(events)](AuthorizationStatus status) {
+        whileAlive([this, events = eventsWithinBounds(usage)](AuthorizationStatus status) {
             // A desktop that is going away, as at logout, would turn the switch off for good.
             if (quitting_) {
                 return;

@@ -201,6 +201,29 @@ TEST_F(QuotaNotificationsTest, postsAnEventOnceThatASnapshotListsTwice) {
     EXPECT_EQ(postedKeys(), Keys{"a"});
 }
 
+TEST_F(QuotaNotificationsTest, considerTheFirst256EventsOfASnapshot) {
+    switchOn();
+    remember({"k0"});
+    finishRun(snapshotWithEvents(numberedKeys(257)));
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    const auto all = numberedKeys(257);
+    EXPECT_EQ(postedKeys(), Keys(all.begin() + 1, all.end() - 1));
+}
+
+TEST_F(QuotaNotificationsTest, leaveOutAnEventWhoseKeyIsLongerThan1024Bytes) {
+    switchOn();
+    const std::string longest(1024, 'k');
+    finishRun(snapshotWithEvents({longest + "k", longest, "a"}));
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    EXPECT_EQ(postedKeys(), (Keys{longest, "a"}));
+    choose(LineRole::quotaNotifications);
+    choose(LineRole::quotaNotifications);
+    notificationCentre.answerPosts();
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    EXPECT_TRUE(notificationCentre.posts.empty()) << "nor is it posted when turned on";
+}
+
 TEST_F(QuotaNotificationsTest, postsNoEventAgainWhileItsAnswerIsDue) {
     switchOn();
     finishRun(snapshotWithEvents({"a"}));

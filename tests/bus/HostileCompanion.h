@@ -96,9 +96,9 @@ protected:
             .clock = clock_,
             .statusItem = otherItem == nullptr ? item : *otherItem,
             .launcher = otherLauncher == nullptr ? launcher() : *otherLauncher,
-            .preferences = preferences_,
+            .preferences = preferences,
             .loginItem = loginItem_,
-            .notificationCentre = notificationCentre_,
+            .notificationCentre = notificationCentre,
             .clipboard = clipboard_,
             .addressOpener = addressOpener,
             .fennicLauncher = fennicLauncher_,
@@ -196,6 +196,8 @@ protected:
 
     FakeStatusItem item;
     FakeAddressOpener addressOpener;
+    FakePreferences preferences;
+    FakeNotificationCentre notificationCentre;
     int replies = 0;
 
     std::string readyPath() const { return folder() / "ready"; }
@@ -204,9 +206,7 @@ private:
     std::optional<ReadyPipe> ready_;
     std::ptrdiff_t descriptors_ = 0;
     FakeClock clock_;
-    FakePreferences preferences_;
     FakeLoginItem loginItem_;
-    FakeNotificationCentre notificationCentre_;
     FakeClipboard clipboard_;
     FakeFennicLauncher fennicLauncher_;
     std::unique_ptr<AppDelegate> delegate_;

@@ -40,6 +40,21 @@ protected:
         expectLineAndRecovery(line);
     }
 
+    /// A good snapshot that proposes these events before its own two shows its figures, and has so
+    /// many notifications posted.
+    void expectPostsOfEvents(const std::string& events, std::size_t posts) {
+        startWithFigures();
+        auto document = goodDocument();
+        const std::string before = R"("notificationEvents": [)";
+        document.insert(document.find(before) + before.size(), events);
+        makeFile("output", document);
+        preferences.setBoolean(AppDelegate::notificationsEnabledKey, true);
+        refreshWith("printsFiles");
+        ASSERT_NO_FATAL_FAILURE(expectFigures());
+        notificationCentre.answerSettings(AuthorizationStatus::authorized);
+        EXPECT_EQ(notificationCentre.posts.size(), posts);
+    }
+
     void expectLineOfErrors(const std::string& errors, const std::string& line) {
         startWithFigures({"STATUS=3"});
         makeFile("errors", errors);
@@ -47,6 +62,10 @@ protected:
         expectLineAndRecovery(line);
     }
 };
+
+std::string event(const std::string& key) {
+    return R"({"key":")" + key + R"(","title":"","body":""},)";
+}
 
 std::string fileContent(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
@@ -266,6 +285,18 @@ TEST_F(HostileOutput, aVeryDeepDocument) {
 
 TEST_F(HostileOutput, aVeryLongArray) {
     expectLineOfOutput("[0" + repeated(",0", 5'000'000) + "]", invalid);
+}
+
+TEST_F(HostileOutput, eventsWithoutEnd) {
+    std::string events;
+    for (int number = 0; number < 200'000; ++number) {
+        events += event("k" + std::to_string(number));
+    }
+    expectPostsOfEvents(events, 256);
+}
+
+TEST_F(HostileOutput, anEventWhoseKeyIsVeryLong) {
+    expectPostsOfEvents(event(std::string(50'000'000, 'k')), 2);
 }
 
 TEST_F(HostileOutput, theDocumentAmongTheErrors) {

@@ -340,6 +340,13 @@ TEST_F(PreferencesFileTest, storesNothingThatItWouldNotReadAgain) {
     EXPECT_EQ(fresh().strings("list"), fitting);
 }
 
+TEST_F(PreferencesFileTest, storesSixtyFourKeysOf1024BytesThatAreAllEscaped) {
+    // The worst that notifications ask for: each of these bytes is written as six.
+    const Strings keys(64, std::string(1024, '\x01'));
+    preferences.setStrings("keys", keys);
+    EXPECT_EQ(fresh().strings("keys"), keys);
+}
+
 TEST_F(PreferencesFileTest, worksInMemoryWhereTheHomeDirectoryIsUnknown) {
     PreferencesFile homeless("");
     EXPECT_FALSE(homeless.boolean("flag"));
