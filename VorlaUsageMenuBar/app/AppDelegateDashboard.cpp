@@ -60,8 +60,7 @@ void AppDelegate::dashboardFinished(const CommandResult& result) {
     dashboardCommand_.reset();
     dashboardAddress_.reset();
     if (result.status != 0) {
-        const auto reason = text::firstCharacters(result.errors, errorCharacters);
-        dashboardFailed(stoppedText + std::string(reason));
+        dashboardFailed(stoppedText + text::excerpt(result.errors, errorCharacters));
     }
 }
 

@@ -28,7 +28,7 @@ constexpr std::size_t errorCharacters = 200;
 std::string failureText(const CommandResult& result) {
     const auto errors = text::trimmed(result.errors);
     if (!errors.empty()) {
-        return std::string(text::firstCharacters(errors, errorCharacters));
+        return text::excerpt(errors, errorCharacters);
     }
     return "Diagnostic snapshot failed (" + std::to_string(result.status) + ").";
 }

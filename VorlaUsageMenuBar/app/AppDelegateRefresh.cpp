@@ -18,13 +18,11 @@ constexpr auto cannotRunText = "Cannot run vorla-usage: ";
 constexpr auto timedOutText = "vorla-usage timed out. Try Refresh.";
 constexpr auto invalidText = "Invalid JSON from vorla-usage. Install v0.5 or newer, then Refresh.";
 constexpr std::size_t errorCharacters = 300;
-/// More than so many characters of any script take, and less than one that is all combining marks.
-constexpr std::size_t errorBytes = std::size_t{64} << 10U;
 
 std::string failureText(const CommandResult& result) {
     const auto errors = text::trimmed(result.errors);
     if (!errors.empty()) {
-        return text::repaired(text::firstCharacters(errors.substr(0, errorBytes), errorCharacters));
+        return text::excerpt(errors, errorCharacters);
     }
     return "vorla-usage failed (" + std::to_string(result.status) + "). Try it in Terminal.";
 }

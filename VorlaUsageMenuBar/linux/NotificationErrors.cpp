@@ -74,7 +74,7 @@ std::string notificationErrorText(const bus::BusError& error) {
     }
     const auto text = text::trimmed(withoutPassedOnName(error.text));
     const auto line = text::trimmed(text.substr(0, text.find('\n')));
-    return line.empty() ? noReason : std::string(text::firstCharacters(line, maximumCharacters));
+    return line.empty() ? noReason : text::excerpt(line, maximumCharacters);
 }
 
 bool isFromTheService(const bus::BusError& error) {

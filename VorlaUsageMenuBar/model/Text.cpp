@@ -280,4 +280,9 @@ std::string repaired(std::string_view bytes) {
     return text;
 }
 
+std::string excerpt(std::string_view bytes, std::size_t count) {
+    const std::string text = repaired(bytes.substr(0, maximumExcerptBytes));
+    return std::string(firstCharacters(text, count));
+}
+
 } // namespace vorla::text

@@ -47,4 +47,12 @@ private:
 
 std::string repaired(std::string_view bytes);
 
+/// More than the first few hundred characters of any script take.
+inline constexpr std::size_t maximumExcerptBytes = std::size_t{64} << 10U;
+
+/// What is shown of an explanation that may be anything: its first `count` characters, repaired.
+/// No more than maximumExcerptBytes of it are looked at, since a single character has no end if
+/// combining marks go on and on.
+std::string excerpt(std::string_view bytes, std::size_t count);
+
 } // namespace vorla::text

@@ -87,6 +87,15 @@ public:
     std::unique_ptr<AppDelegate> delegate;
 };
 
+/// One character, with more combining marks than anybody reads.
+inline std::string characterWithoutEnd() {
+    std::string character = "e";
+    while (character.size() < 1'000'000) {
+        character += "\u0301";
+    }
+    return character;
+}
+
 inline std::string snapshotNamed(const std::string& name) {
     std::ifstream file(VORLA_TEST_DATA "/snapshots/" + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

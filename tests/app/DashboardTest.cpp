@@ -105,6 +105,14 @@ TEST_F(DashboardTest, countsCharactersOfTheErrorTextAsAUserDoes) {
     EXPECT_EQ(problem(), "Dashboard stopped: " + errors.substr(0, 200 * 3));
 }
 
+TEST_F(DashboardTest, showsNoCharacterWithoutEndOfTheErrorText) {
+    open();
+    server().printError(characterWithoutEnd());
+    server().finish(1);
+    EXPECT_TRUE(problem().starts_with("Dashboard stopped: e\u0301"));
+    EXPECT_LT(problem().size(), 70'000U);
+}
+
 TEST_F(DashboardTest, endsInSilenceWithStatusZero) {
     open();
     server().print("http://127.0.0.1:1000/\n");

@@ -119,6 +119,13 @@ TEST_F(DiagnosticSnapshotTest, countsCharactersOfTheErrorTextAsAUserDoes) {
     EXPECT_EQ(status(), errors.substr(0, 200 * 3));
 }
 
+TEST_F(DiagnosticSnapshotTest, showsNoCharacterWithoutEndOfAnErrorText) {
+    copy();
+    finishRun("", 1, characterWithoutEnd());
+    EXPECT_TRUE(status().starts_with("e\u0301"));
+    EXPECT_LT(status().size(), 70'000U);
+}
+
 TEST_F(DiagnosticSnapshotTest, showsTheStatusWhenTheErrorTextIsBlank) {
     copy();
     finishRun("", 7, " \n\t\n ");

@@ -53,6 +53,22 @@ TEST_F(HostileDashboard, aMillionLines) {
     EXPECT_TRUE(hasNoChild());
 }
 
+TEST_F(HostileDashboard, errorsThatAreOneCharacterWithoutEnd) {
+    startWithFigures({"STATUS=3"});
+    std::string errors = "e";
+    while (errors.size() < 20'000'000) {
+        errors += "\u0301";
+    }
+    makeFile("errors", errors);
+    companionIs("printsFiles");
+    choose();
+    ASSERT_TRUE(
+        loop().runUntil([this] { return item.line(LineRole::dashboardError).has_value(); }));
+    EXPECT_EQ(
+        item.text(LineRole::dashboardError),
+        "Dashboard stopped: " + errors.substr(0, 65'535) + "\uFFFD");
+}
+
 TEST_F(HostileDashboard, aStarterThatPassesNoRequestOn) {
     startDashboard("startsADashboard");
     const FileDescriptor server = processHandle(waitUntilReady());

@@ -362,6 +362,17 @@ TEST_F(HostileOutput, errorsThatAreOneCharacterWithoutEnd) {
         "e" + repeated("\u0301", 10'000'000), "e" + repeated("\u0301", 32'767) + "\uFFFD");
 }
 
+TEST_F(HostileOutput, diagnosticErrorsThatAreOneCharacterWithoutEnd) {
+    startWithFigures({"STATUS=3"});
+    makeFile("errors", "e" + repeated("\u0301", 10'000'000));
+    companionIs("printsFiles");
+    item.listener->chosen(MenuAction::copyDiagnosticSnapshot);
+    ASSERT_TRUE(
+        loop().runUntil([this] { return item.line(LineRole::diagnosticStatus).has_value(); }));
+    EXPECT_EQ(
+        item.text(LineRole::diagnosticStatus), "e" + repeated("\u0301", 32'767) + "\uFFFD");
+}
+
 TEST_F(HostileOutput, manyErrorsOfOneLetter) {
     expectLineOfErrors(repeated("é", 1'000'000), repeated("é", 300));
 }

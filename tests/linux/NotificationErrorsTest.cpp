@@ -57,6 +57,16 @@ TEST(NotificationErrors, countCharactersNotBytes) {
         accents.substr(0, 200 * std::string("e\u0301").size()));
 }
 
+TEST(NotificationErrors, holdNoCharacterWithoutEnd) {
+    std::string character = "e";
+    while (character.size() < 1'000'000) {
+        character += "\u0301";
+    }
+    const auto text = notificationErrorText({"org.example.Odd", character});
+    EXPECT_TRUE(text.starts_with("e\u0301"));
+    EXPECT_LT(text.size(), 70'000U);
+}
+
 TEST(NotificationErrors, tellTheServicesFromTheBus) {
     EXPECT_TRUE(isFromTheService({"org.freedesktop.DBus.Error.UnknownMethod", ""}));
     EXPECT_TRUE(isFromTheService({"org.freedesktop.DBus.Error.InvalidSignature", ""}));

@@ -135,6 +135,36 @@ TEST(Text, walksOverIllFormedTextWithoutLeavingIt) {
     EXPECT_EQ(trimmed("\x80\x80 "), "\x80\x80");
 }
 
+TEST(Text, anExcerptIsTheFirstCharactersRepaired) {
+    struct Row {
+        std::string_view bytes;
+        std::size_t count;
+        std::string_view excerpt;
+    };
+
+    const std::vector<Row> rows = {
+        {"", 3, ""},
+        {"abc", 3, "abc"},
+        {"abcd", 3, "abc"},
+        {"e\u0301e\u0301e", 2, "e\u0301e\u0301"},
+        {"\xFF\xFF\xFF", 2, "\uFFFD\uFFFD"},
+        {"a\xE2\x82", 9, "a\uFFFD"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(excerpt(row.bytes, row.count), row.excerpt) << row.bytes;
+    }
+}
+
+TEST(Text, anExcerptOfOneCharacterWithoutEndHasAnEnd) {
+    std::string character = "e";
+    while (character.size() <= 2 * maximumExcerptBytes) {
+        character += "\u0301";
+    }
+    // The last of the bytes looked at is half a mark.
+    EXPECT_EQ(
+        excerpt(character, 200), character.substr(0, maximumExcerptBytes - 1) + "\uFFFD");
+}
+
 TEST(Text, uppercasesTheFirstCharacterOnly) {
     struct Row {
         std::string_view text;
