@@ -33,6 +33,9 @@ void checkPieces(std::string_view bytes, std::uint64_t cuts, std::size_t kept) {
     require(whole == fuzz::expectedRepair(bytes), "each maximal ill-formed part is replaced once");
     require(isWellFormed(whole), "repaired text is well-formed");
     require(text::repaired(whole) == whole, "well-formed text is left alone");
+    require(
+        text::repaired(text::trimmed(bytes)) == text::trimmed(whole),
+        "trimming before the repair is as good as after it");
 
     text::Utf8Repair inPieces;
     text::Utf8Repair shortened;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 
+#include <system_error>
 #include <utility>
 
 namespace vorla {
@@ -69,6 +70,13 @@ void AppDelegate::chosen(MenuAction action) {
     case MenuAction::none:
         return;
     }
+}
+
+std::string AppDelegate::reasonOf(const std::exception& error) {
+    if (const auto* const refused = dynamic_cast<const std::system_error*>(&error)) {
+        return refused->code().message();
+    }
+    return std::make_error_code(std::errc::not_enough_memory).message();
 }
 
 std::array<std::shared_ptr<Command>, 3> AppDelegate::commands() const {

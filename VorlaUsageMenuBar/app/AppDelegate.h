@@ -19,6 +19,7 @@
 
 #include <array>
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -121,6 +122,8 @@ private:
         };
     }
 
+    /// Why a run could not be started.
+    static std::string reasonOf(const std::exception& error);
     std::array<std::shared_ptr<Command>, 3> commands() const;
     void replyToTerminate();
 

@@ -3,8 +3,8 @@
 
 #include "model/Text.h"
 
+#include <exception>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace vorla {
@@ -47,9 +47,9 @@ void AppDelegate::openDashboard() {
     try {
         dashboardCommand_->start(
             *path, "--web", [this](const CommandResult& result) { dashboardFinished(result); });
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& error) {
         dashboardCommand_.reset();
-        dashboardFailed(cannotOpenText + error.code().message());
+        dashboardFailed(cannotOpenText + reasonOf(error));
     }
 }
 

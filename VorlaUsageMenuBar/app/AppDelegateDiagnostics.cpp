@@ -5,11 +5,11 @@
 #include "model/Json.h"
 #include "model/Text.h"
 
+#include <exception>
 #include <new>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace vorla {
@@ -57,14 +57,14 @@ void AppDelegate::copyDiagnosticSnapshot() {
     diagnosticCommand_ =
         Command::create(platform_.loop, platform_.launcher, platform_.companionPlaces.environment);
     state_.diagnosticStatus.reset();
-    rebuildMenu();
     try {
+        rebuildMenu();
         diagnosticCommand_->start(*path, "--diagnostics-json", [this](const CommandResult& result) {
             diagnosticFinished(result);
         });
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& error) {
         diagnosticCommand_.reset();
-        diagnosticEnded(cannotRunText + error.code().message());
+        diagnosticEnded(cannotRunText + reasonOf(error));
     }
 }
 
@@ -85,16 +85,21 @@ void AppDelegate::diagnosticFinished(const CommandResult& result) {
 }
 
 void AppDelegate::copyToClipboard(std::string document) {
+    const auto answered = whileAlive([this](Clipboard::Outcome outcome) {
+        isCopying_ = false;
+        if (!quitting_) {
+            diagnosticEnded(
+                outcome == Clipboard::Outcome::copied ? copiedText : noClipboardText);
+        }
+    });
     isCopying_ = true;
-    rebuildMenu();
-    platform_.clipboard.copy(std::move(document), whileAlive([this](Clipboard::Outcome outcome) {
-                                 isCopying_ = false;
-                                 if (!quitting_) {
-                                     diagnosticEnded(
-                                         outcome == Clipboard::Outcome::copied ? copiedText
-                                                                               : noClipboardText);
-                                 }
-                             }));
+    try {
+        rebuildMenu();
+        platform_.clipboard.copy(std::move(document), answered);
+    } catch (const std::bad_alloc&) {
+        // There will be no answer.
+        answered(Clipboard::Outcome::unavailable);
+    }
 }
 
 void AppDelegate::diagnosticEnded(std::string status) {

@@ -4,9 +4,9 @@
 #include "model/Json.h"
 #include "model/Text.h"
 
+#include <exception>
 #include <new>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace vorla {
@@ -40,13 +40,13 @@ void AppDelegate::refresh() {
     }
     refreshCommand_ =
         Command::create(platform_.loop, platform_.launcher, platform_.companionPlaces.environment);
-    rebuildMenu();
     try {
+        rebuildMenu();
         refreshCommand_->start(
             *path, "--json", [this](const CommandResult& result) { refreshFinished(result); });
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& error) {
         refreshCommand_.reset();
-        refreshFailed(cannotRunText + error.code().message());
+        refreshFailed(cannotRunText + reasonOf(error));
     }
 }
 

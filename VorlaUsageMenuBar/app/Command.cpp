@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/Command.h"
 
-#include "model/Text.h"
-
 #include <utility>
 
 namespace vorla {
@@ -133,12 +131,12 @@ void Command::completeIfEnded() {
     limit_.reset();
     child_.reset();
     const auto completion = std::exchange(completion_, nullptr);
-    CommandResult result{
-        .output = output_.take(),
-        .errors = text::repaired(errors_.take()),
-        .status = *status_,
-        .timedOut = timedOut_};
-    completion(std::move(result));
+    // Nothing up to here asks for memory, or the completion might never come.
+    completion(
+        {.output = output_.take(),
+         .errors = errors_.take(),
+         .status = *status_,
+         .timedOut = timedOut_});
 }
 
 } // namespace vorla

@@ -21,7 +21,8 @@ namespace vorla {
 struct CommandResult {
     /// Standard output as it came.
     std::string output;
-    /// Standard error, repaired to well-formed UTF-8.
+    /// Standard error as it came. Repairing all of it to show a few hundred characters could take
+    /// three times its memory.
     std::string errors;
     /// The exit code, or the bare number of the signal that ended the child.
     int status = 0;

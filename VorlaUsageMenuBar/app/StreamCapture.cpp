@@ -2,6 +2,7 @@
 #include "app/StreamCapture.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace vorla {
@@ -12,7 +13,12 @@ std::size_t StreamCapture::append(std::string_view bytes, WhenFull whenFull) {
     switch (whenFull) {
     case WhenFull::dropNewest:
         kept = std::min(kept, room);
-        bytes_.append(bytes.substr(0, kept));
+        try {
+            bytes_.append(bytes.substr(0, kept));
+        } catch (const std::bad_alloc&) {
+            // What there is no memory for is too much, too; a gap would be worse.
+            kept = 0;
+        }
         break;
     case WhenFull::dropOldest:
         bytes.remove_prefix(bytes.size() - std::min(bytes.size(), maximumBytes_));

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -80,8 +81,8 @@ public:
                 process_.emplace(
                     loop_, tool, fileWith(text_), [this](int status) { toolEnded(status); });
                 return;
-            } catch (const std::system_error&) {
-                // This one cannot be started; perhaps the next one can.
+            } catch (const std::exception&) {
+                // This one cannot be started, for want of memory perhaps; the next one may.
                 limit_.reset();
             }
         }

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <new>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -39,6 +40,15 @@ void waitAndTakeOne(const FileDescriptor& counter) {
 FileDescriptor thatNeverWaits(FileDescriptor pipe) {
     fcntl(pipe.number(), F_SETFL, fcntl(pipe.number(), F_GETFL) | O_NONBLOCK);
     return pipe;
+}
+
+/// How long to wait for memory before asking for it again.
+constexpr int memoryPauseMilliseconds = 20;
+
+/// False if `stop` has been raised meanwhile.
+bool waitForMemory(const FileDescriptor& stop) {
+    pollfd watched = {stop.number(), POLLIN, 0};
+    return poll(&watched, 1, memoryPauseMilliseconds) <= 0;
 }
 
 /// Waits for something to read; false if there will be nothing because `stop` has been raised.
@@ -76,34 +86,47 @@ PipeReader::~PipeReader() {
     addOne(shared_->room);
 }
 
-void PipeReader::read(MainLoop& loop, const FileDescriptor& pipe, std::shared_ptr<Shared> shared) {
+void PipeReader::read(
+    MainLoop& loop, const FileDescriptor& pipe, const std::shared_ptr<Shared>& shared) {
     // On the stack, whose pages the system gets back when the thread ends.
     std::array<char, chunkBytes> buffer;
-    for (;;) {
+    ssize_t length = 0;
+    do {
         waitAndTakeOne(shared->room);
-        ssize_t length = 0;
         do {
             if (!waitForBytes(pipe, shared->stop)) {
                 return;
             }
             length = ::read(pipe.number(), buffer.data(), buffer.size());
         } while (length < 0 && (errno == EAGAIN || errno == EINTR));
-        if (length <= 0) {
-            break;
+        const std::size_t count = length > 0 ? static_cast<std::size_t>(length) : 0;
+        while (!tryToPost(loop, shared, {buffer.data(), count})) {
+            if (!waitForMemory(shared->stop)) {
+                return;
+            }
         }
-        std::string chunk(buffer.data(), static_cast<std::size_t>(length));
-        loop.post([shared, chunk = std::move(chunk)] {
-            if (!shared->closed) {
+    } while (length > 0);
+}
+
+/// Hands `bytes` over, or if there are none, their end; false if there is no memory for that.
+bool PipeReader::tryToPost(
+    MainLoop& loop, const std::shared_ptr<Shared>& shared, std::string_view bytes) {
+    try {
+        loop.post([shared, chunk = std::string(bytes)] {
+            if (shared->closed) {
+                return;
+            }
+            if (chunk.empty()) {
+                shared->callbacks.ended();
+            } else {
                 addOne(shared->room);
                 shared->callbacks.received(chunk);
             }
         });
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
     }
-    loop.post([shared = std::move(shared)] {
-        if (!shared->closed) {
-            shared->callbacks.ended();
-        }
-    });
 }
 
 } // namespace vorla

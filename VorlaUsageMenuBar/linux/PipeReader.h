@@ -39,7 +39,10 @@ public:
 private:
     struct Shared;
 
-    static void read(MainLoop& loop, const FileDescriptor& pipe, std::shared_ptr<Shared> shared);
+    static void
+    read(MainLoop& loop, const FileDescriptor& pipe, const std::shared_ptr<Shared>& shared);
+    static bool
+    tryToPost(MainLoop& loop, const std::shared_ptr<Shared>& shared, std::string_view bytes);
 
     /// What the thread and the posted deliveries need, which can outlive this object.
     std::shared_ptr<Shared> shared_;

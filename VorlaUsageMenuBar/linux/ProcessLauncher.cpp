@@ -7,6 +7,7 @@
 #include "linux/SpawnedProcess.h"
 
 #include <csignal>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -50,7 +51,11 @@ public:
         }
         if (receivedBytes_ > smallOutputBytes) {
             // Later, when the one who is destroying us has dropped the output as well.
-            loop_.post(giveBackFreedMemory);
+            try {
+                loop_.post(giveBackFreedMemory);
+            } catch (const std::bad_alloc&) {
+                // The next run that receives so much sees to it.
+            }
         }
     }
 

@@ -171,22 +171,24 @@ bool isWhiteSpace(char32_t codePoint) {
            codePoint == 0x2029 || codePoint == 0x202F || codePoint == 0x205F || codePoint == 0x3000;
 }
 
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty()) {
-        const CodePoint first = firstCodePoint(text);
+std::string_view trimmed(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const CodePoint first = firstCodePoint(bytes);
         if (!isWhiteSpace(first.value)) {
             break;
         }
-        text.remove_prefix(first.length);
+        bytes.remove_prefix(first.length);
     }
-    while (!text.empty()) {
-        const std::size_t start = lastCodePointStart(text);
-        if (!isWhiteSpace(firstCodePoint(text.substr(start)).value)) {
+    while (!bytes.empty()) {
+        const std::size_t start = lastCodePointStart(bytes);
+        const CodePoint last = firstCodePoint(bytes.substr(start));
+        // Bytes that belong to no character may follow one.
+        if (start + last.length != bytes.size() || !isWhiteSpace(last.value)) {
             break;
         }
-        text = text.substr(0, start);
+        bytes = bytes.substr(0, start);
     }
-    return text;
+    return bytes;
 }
 
 std::string_view firstCharacters(std::string_view text, std::size_t count) {

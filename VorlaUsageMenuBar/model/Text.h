@@ -12,8 +12,8 @@ namespace vorla::text {
 /// The Unicode property White_Space.
 bool isWhiteSpace(char32_t codePoint);
 
-/// Without white space and line ends at both ends.
-std::string_view trimmed(std::string_view text);
+/// Without white space and line ends at both ends. Ill-formed parts are not white space.
+std::string_view trimmed(std::string_view bytes);
 
 /// The first `count` characters, or all of them.
 std::string_view firstCharacters(std::string_view text, std::size_t count);

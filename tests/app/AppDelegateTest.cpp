@@ -143,6 +143,22 @@ TEST_F(AppDelegateTest, saysWhyTheCompanionCannotBeStarted) {
     EXPECT_TRUE(item.line(LineRole::refresh)->enabled);
 }
 
+TEST_F(AppDelegateTest, takesNoRunForStartedThatThereWasNoMemoryFor) {
+    launch();
+    finishRun(snapshotNamed("full.json"));
+    item.refusals = 1;
+    choose(LineRole::refresh);
+    EXPECT_EQ(errorLine(), "Cannot run vorla-usage: Cannot allocate memory");
+    ASSERT_TRUE(item.line(LineRole::refresh)->enabled);
+    launcher.isShortOfMemory = true;
+    choose(LineRole::refresh);
+    EXPECT_EQ(errorLine(), "Cannot run vorla-usage: Cannot allocate memory");
+    ASSERT_TRUE(item.line(LineRole::refresh)->enabled);
+    launcher.isShortOfMemory = false;
+    choose(LineRole::refresh);
+    EXPECT_EQ(launcher.children.size(), 2U);
+}
+
 TEST_F(AppDelegateTest, saysThatARunTimedOut) {
     launch();
     loop.advance(45s);

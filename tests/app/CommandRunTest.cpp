@@ -110,13 +110,15 @@ TEST_F(CommandRun, takingTheObserverAwaySkipsLaterDeliveries) {
     EXPECT_EQ(texts, std::vector<std::string>{"ab"});
 }
 
-TEST_F(CommandRun, illFormedTextStaysInTheOutputAndIsRepairedElsewhere) {
+TEST_F(CommandRun, illFormedTextStaysInTheResultAndIsRepairedForTheObserver) {
     start("printsIllFormedText");
     const auto result = waitForResult();
     EXPECT_EQ(
         result.output, "a\xFF"
                        "b");
-    EXPECT_EQ(result.errors, "c\uFFFDd");
+    EXPECT_EQ(
+        result.errors, "c\xFF"
+                       "d");
     EXPECT_EQ(texts.back(), "a\uFFFDb");
 }
 

@@ -49,7 +49,7 @@ TEST_F(CommandTest, completesOnceWithEverythingThatWasPrinted) {
     child().finish(3);
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(results[0].output, "abc\xFF");
-    EXPECT_EQ(results[0].errors, "x\uFFFDy");
+    EXPECT_EQ(results[0].errors, "x\xFFy");
     EXPECT_EQ(results[0].status, 3);
     EXPECT_FALSE(results[0].timedOut);
     EXPECT_EQ(loop.timerCount(), 0U);

@@ -143,6 +143,15 @@ TEST_F(DashboardTest, saysWhyTheCompanionCannotBeStarted) {
     EXPECT_EQ(launcher.children.size(), 2U);
 }
 
+TEST_F(DashboardTest, takesNoServerForStartedThatThereWasNoMemoryFor) {
+    launcher.isShortOfMemory = true;
+    open();
+    EXPECT_EQ(problem(), "Cannot open dashboard: Cannot allocate memory");
+    launcher.isShortOfMemory = false;
+    open();
+    EXPECT_EQ(launcher.children.size(), 2U);
+}
+
 TEST_F(DashboardTest, aRefreshLeavesTheProblemInView) {
     open();
     server().printError("no");

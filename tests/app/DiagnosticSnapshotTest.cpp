@@ -95,6 +95,29 @@ TEST_F(DiagnosticSnapshotTest, saysWhyTheCompanionCannotBeStarted) {
     EXPECT_TRUE(item.line(LineRole::copyDiagnosticSnapshot)->enabled);
 }
 
+TEST_F(DiagnosticSnapshotTest, takesNoRunForStartedThatThereWasNoMemoryFor) {
+    item.refusals = 1;
+    copy();
+    EXPECT_EQ(status(), "Cannot run diagnostics: Cannot allocate memory");
+    launcher.isShortOfMemory = true;
+    copy();
+    EXPECT_EQ(status(), "Cannot run diagnostics: Cannot allocate memory");
+    launcher.isShortOfMemory = false;
+    EXPECT_TRUE(copy());
+    EXPECT_EQ(launcher.children.size(), 2U);
+}
+
+TEST_F(DiagnosticSnapshotTest, isNotUnderWayToAClipboardThatThereWasNoMemoryFor) {
+    copy();
+    item.refusals = 1;
+    finishRun(document);
+    EXPECT_EQ(
+        status(), "Cannot copy the diagnostic snapshot: no clipboard is available. "
+                  "Run vorla-usage --diagnostics-json in Terminal.");
+    EXPECT_TRUE(copy());
+    EXPECT_EQ(launcher.children.size(), 3U);
+}
+
 TEST_F(DiagnosticSnapshotTest, saysThatTheRunTimedOut) {
     copy();
     loop.advance(45s);

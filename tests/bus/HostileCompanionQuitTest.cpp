@@ -374,6 +374,38 @@ TEST_F(HostileSystem, memoryForTheDocumentRunsOut) {
     expectFigures();
 }
 
+TEST_F(HostileSystem, memoryForTheOutputRunsOut) {
+    constexpr std::size_t roomBytes = std::size_t{40} << 20U;
+    startWithFigures({"LINES=100000000"});
+    refreshWith("floodsOutput");
+    {
+        const SystemLimit limit(RLIMIT_AS, addressSpaceInUse() + roomBytes);
+        // The next double of what is kept is more than there is room for.
+        ASSERT_NO_FATAL_FAILURE(expectLine(failed(SIGTERM)));
+    }
+    refreshWith("printsSnapshot");
+    expectFigures();
+}
+
+TEST_F(HostileSystem, memoryForTheErrorsRunsOut) {
+    // Enough to keep them, too little to make three bytes of each.
+    constexpr std::size_t errorBytes = 40'000'000;
+    constexpr std::size_t roomBytes = std::size_t{128} << 20U;
+    startWithFigures({"STATUS=3"});
+    makeFile("errors", std::string(errorBytes, '\xFF'));
+    refreshWith("printsFiles");
+    std::string line;
+    for (int count = 0; count < 300; ++count) {
+        line += "\uFFFD";
+    }
+    {
+        const SystemLimit limit(RLIMIT_AS, addressSpaceInUse() + roomBytes);
+        ASSERT_NO_FATAL_FAILURE(expectLine(line));
+    }
+    refreshWith("printsSnapshot");
+    expectFigures();
+}
+
 TEST_F(HostileSystem, watchesRunOut) {
     FullLoop full(loop());
     LinuxProcessLauncher helpless(full);

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -72,6 +73,9 @@ class FakeLauncher final : public ProcessLauncher {
 public:
     std::unique_ptr<ChildProcess>
     launch(const LaunchRequest& request, ChildProcess::Listener& listener) override {
+        if (isShortOfMemory) {
+            throw std::bad_alloc();
+        }
         if (launchError != std::errc{}) {
             throw std::system_error(std::make_error_code(launchError));
         }
@@ -85,6 +89,7 @@ public:
     std::vector<std::shared_ptr<FakeChild>> children;
     /// If set, the error of each launch.
     std::errc launchError{};
+    bool isShortOfMemory = false;
 
 private:
     class Handle final : public ChildProcess {

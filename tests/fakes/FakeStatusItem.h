@@ -3,6 +3,7 @@
 
 #include "ports/StatusItem.h"
 
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,13 @@ namespace vorla {
 class FakeStatusItem final : public StatusItem {
 public:
     void setListener(Listener* newListener) override { listener = newListener; }
-    void show(const StatusMenu& menu) override { shown.push_back(menu); }
+    void show(const StatusMenu& menu) override {
+        if (refusals > 0) {
+            --refusals;
+            throw std::bad_alloc();
+        }
+        shown.push_back(menu);
+    }
     std::optional<std::string> takeActivationToken() override { return std::move(token); }
 
     const StatusMenu& last() const { return shown.back(); }
@@ -34,6 +41,8 @@ public:
     Listener* listener = nullptr;
     std::vector<StatusMenu> shown;
     std::optional<std::string> token;
+    /// How many more menus there is no memory for.
+    int refusals = 0;
 };
 
 } // namespace vorla

@@ -19,7 +19,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <set>
 #include <string>
@@ -35,6 +37,11 @@ class BusyLoop final : public MainLoop {
 public:
     void post(std::function<void()> work) override {
         const std::lock_guard lock(mutex_);
+        if (refusals_ > 0) {
+            --refusals_;
+            changed_.notify_all();
+            throw std::bad_alloc();
+        }
         waiting_.push_back(std::move(work));
         mostWaiting_ = std::max(mostWaiting_, waiting_.size());
         changed_.notify_all();
@@ -58,6 +65,19 @@ public:
             lock, std::chrono::seconds{30}, [&] { return waiting_.size() >= count; });
     }
 
+    /// From now on there is no memory for so many posts.
+    void refuse(int posts) {
+        const std::lock_guard lock(mutex_);
+        refusals_ = posts;
+    }
+
+    /// Waits until no more than so many posts are still to be refused.
+    bool waitForRefusals(int left) {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(
+            lock, std::chrono::seconds{30}, [&] { return refusals_ <= left; });
+    }
+
     void runOne() {
         std::function<void()> work;
         {
@@ -75,6 +95,7 @@ private:
     std::condition_variable changed_;
     std::deque<std::function<void()>> waiting_;
     std::size_t mostWaiting_ = 0;
+    int refusals_ = 0;
 };
 
 /// What poll(2) calls where the system still has it, and where it has not.
@@ -274,6 +295,33 @@ TEST_F(PipeReaderTest, endsAtOnceWhileItWaitsForTheMainThread) {
     for (std::size_t count = 1; count <= PipeReader::maximumWaitingChunks; ++count) {
         loop.runOne();
     }
+    EXPECT_EQ(received, "");
+}
+
+TEST_F(PipeReaderTest, losesNothingWhileThereIsNoMemory) {
+    BusyLoop loop;
+    startReading(loop);
+    loop.refuse(3);
+    ASSERT_EQ(write(writeEnd.number(), "x", 1), 1);
+    ASSERT_TRUE(loop.waitFor(1));
+    loop.runOne();
+    EXPECT_EQ(received, "x");
+    loop.refuse(3);
+    writeEnd.close();
+    ASSERT_TRUE(loop.waitFor(1));
+    loop.runOne();
+    EXPECT_EQ(ends, 1);
+    reader.reset();
+}
+
+TEST_F(PipeReaderTest, endsAtOnceWhileItWaitsForMemory) {
+    constexpr int many = std::numeric_limits<int>::max();
+    BusyLoop loop;
+    startReading(loop);
+    loop.refuse(many);
+    ASSERT_EQ(write(writeEnd.number(), "x", 1), 1);
+    ASSERT_TRUE(loop.waitForRefusals(many - 2));
+    reader.reset();
     EXPECT_EQ(received, "");
 }
 

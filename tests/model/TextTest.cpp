@@ -57,6 +57,14 @@ TEST(Text, trimmingKeepsNulBytes) {
     EXPECT_EQ(trimmed(text), "\0a\0"s);
 }
 
+TEST(Text, trimmingKeepsIllFormedParts) {
+    EXPECT_EQ(trimmed(" \x80 \n"), "\x80");
+    EXPECT_EQ(trimmed("a \x80"), "a \x80");
+    EXPECT_EQ(trimmed("a\u2003\x80"), "a\u2003\x80");
+    EXPECT_EQ(trimmed(" a\xE2\x80 "), "a\xE2\x80");
+    EXPECT_EQ(trimmed(" \xE2\x80"), "\xE2\x80");
+}
+
 TEST(Text, takesTheFirstCharactersAsPerceived) {
     struct Row {
         std::string text;
