@@ -88,8 +88,7 @@ void AppDelegate::copyToClipboard(std::string document) {
     const auto answered = whileAlive([this](Clipboard::Outcome outcome) {
         isCopying_ = false;
         if (!quitting_) {
-            diagnosticEnded(
-                outcome == Clipboard::Outcome::copied ? copiedText : noClipboardText);
+            diagnosticEnded(outcome == Clipboard::Outcome::copied ? copiedText : noClipboardText);
         }
     });
     isCopying_ = true;

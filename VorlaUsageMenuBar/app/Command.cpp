@@ -31,9 +31,11 @@ Command::~Command() = default;
 void Command::start(const std::string& path, const std::string& argument, Completion completion) {
     // Before the launch, so that a timer that is refused leaves no child behind.
     std::unique_ptr<MainLoop::Source> limit;
-    if (isLimited(argument)) {
+    isLimited_ = isLimited(argument);
+    if (isLimited_) {
         limit = loop_.after(timeLimit, [this] { timeIsUp(); });
-        whenFull_ = StreamCapture::WhenFull::dropNewest;
+    } else {
+        errors_ = StreamCapture(maximumFirstErrorBytes);
     }
     // Whatever the child does at once is told through the loop, when the fields below are set.
     child_ = launcher_.launch(
@@ -92,14 +94,19 @@ void Command::timeIsUp() {
 void Command::received(ChildProcess::Stream stream, std::string_view bytes) {
     // The observer may abandon the run.
     const auto alive = shared_from_this();
-    auto& capture = stream == ChildProcess::Stream::output ? output_ : errors_;
-    const std::size_t kept = capture.append(bytes, whenFull_);
-    if (stream == ChildProcess::Stream::output && kept > 0 && onOutput) {
+    const bool isOutput = stream == ChildProcess::Stream::output;
+    std::size_t kept = bytes.size();
+    if (isOutput && !isLimited_) {
+        recentOutput_.append(bytes);
+    } else {
+        kept = (isOutput ? output_ : errors_).append(bytes);
+    }
+    if (isOutput && kept > 0 && onOutput) {
         // It may also replace itself.
         const auto observer = onOutput;
-        observer(output_.text());
+        observer(isLimited_ ? output_.text() : recentOutput_.text());
     }
-    if (kept < bytes.size() && !std::exchange(overflowed_, true)) {
+    if (isLimited_ && kept < bytes.size() && !std::exchange(overflowed_, true)) {
         stop();
         completeIfEnded();
     }
@@ -133,7 +140,7 @@ void Command::completeIfEnded() {
     const auto completion = std::exchange(completion_, nullptr);
     // Nothing up to here asks for memory, or the completion might never come.
     completion(
-        {.output = output_.take(),
+        {.output = isLimited_ ? output_.take() : recentOutput_.take(),
          .errors = errors_.take(),
          .status = *status_,
          .timedOut = timedOut_});

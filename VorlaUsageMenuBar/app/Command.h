@@ -2,7 +2,9 @@
 #pragma once
 
 #include "app/Environment.h"
+#include "app/RecentText.h"
 #include "app/StreamCapture.h"
+#include "model/Text.h"
 #include "ports/MainLoop.h"
 #include "ports/ProcessLauncher.h"
 
@@ -19,10 +21,10 @@ namespace vorla {
 
 /// What one run of the companion left behind.
 struct CommandResult {
-    /// Standard output as it came.
+    /// Standard output as it came; of a run without a time limit its newest text.
     std::string output;
-    /// Standard error as it came. Repairing all of it to show a few hundred characters could take
-    /// three times its memory.
+    /// Standard error as it came; of a run without a time limit its beginning. Repairing all of it
+    /// to show a few hundred characters could take three times its memory.
     std::string errors;
     /// The exit code, or the bare number of the signal that ended the child.
     int status = 0;
@@ -40,9 +42,14 @@ class Command final : public std::enable_shared_from_this<Command>, ChildProcess
 public:
     using Completion = std::function<void(CommandResult)>;
 
-    /// Of each stream, a run keeps at most this many bytes. Past it a run with a time limit is
-    /// stopped as by stop(); one without loses its oldest text.
+    /// Of each stream, a run with a time limit keeps at most this many bytes. Past it, it is
+    /// stopped as by stop().
     static constexpr std::size_t maximumStreamBytes = std::size_t{64} << 20U;
+    /// A run without one may print for days. Of its output it keeps the newest text, so much that
+    /// whatever has just arrived is in it whole; of its errors the first bytes, since those are
+    /// shown.
+    static constexpr std::size_t maximumRecentBytes = std::size_t{1} << 20U;
+    static constexpr std::size_t maximumFirstErrorBytes = text::maximumExcerptBytes;
 
     /// Of a run with "--json" or "--diagnostics-json".
     static constexpr std::chrono::seconds timeLimit{45};
@@ -56,9 +63,9 @@ public:
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
-    /// Called with all text printed so far whenever some arrives. May be set, replaced or emptied
-    /// at any time, also by itself: a copy is called, so what it has to remember lies elsewhere.
-    /// The text is valid during the call.
+    /// Called with all text printed so far, as far as it is kept, whenever some arrives. May be
+    /// set, replaced or emptied at any time, also by itself: a copy is called, so what it has to
+    /// remember lies elsewhere. The text is valid during the call.
     std::function<void(std::string_view)> onOutput;
 
     /// Runs `path` with exactly one argument; "--json" and "--diagnostics-json" are limited to 45
@@ -102,7 +109,9 @@ private:
     std::unique_ptr<ChildProcess> child_;
     StreamCapture output_{maximumStreamBytes};
     StreamCapture errors_{maximumStreamBytes};
-    StreamCapture::WhenFull whenFull_ = StreamCapture::WhenFull::dropOldest;
+    /// Instead of output_ for a run without a time limit.
+    RecentText recentOutput_{maximumRecentBytes};
+    bool isLimited_ = false;
     bool overflowed_ = false;
     bool outputEnded_ = false;
     bool errorsEnded_ = false;

@@ -9,30 +9,24 @@
 
 namespace vorla {
 
-/// What a run keeps of one stream: its bytes, up to a bound, and on demand the text that they are.
+/// The beginning of a stream: its bytes, up to a bound, and on demand the text that they are.
 class StreamCapture final {
 public:
-    /// What gives way when the bound is reached.
-    enum class WhenFull { dropNewest, dropOldest };
-
     explicit StreamCapture(std::size_t maximumBytes) : maximumBytes_(maximumBytes) {}
 
-    /// Returns how many of `bytes` were taken: all of them, unless the newest give way, which is
-    /// then their end.
-    std::size_t append(std::string_view bytes, WhenFull whenFull);
+    /// Returns how many of `bytes` were taken: fewer than all if that is too much, for the bound or
+    /// for the memory there is.
+    std::size_t append(std::string_view bytes);
 
     std::string_view bytes() const { return bytes_; }
 
-    /// The bytes as well-formed text. Only those that came since the last call are decoded, so the
-    /// text can reach further back than the bytes once the oldest have been dropped.
+    /// The bytes as well-formed text. Only those that came since the last call are decoded.
     std::string_view text();
 
     /// Hands over the bytes and forgets everything.
     std::string take();
 
 private:
-    void dropOldest(std::size_t bytesToKeep);
-
     std::size_t maximumBytes_ = 0;
     std::string bytes_;
     text::Utf8Repair text_;

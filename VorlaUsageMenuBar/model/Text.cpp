@@ -4,6 +4,7 @@
 #include <utf8proc.h>
 
 #include <array>
+#include <utility>
 
 namespace vorla::text {
 
@@ -273,6 +274,11 @@ void Utf8Repair::keepLast(std::size_t maximumBytes) {
         ++start;
     }
     text_.erase(0, start);
+}
+
+std::string Utf8Repair::take() {
+    unfinished_.clear();
+    return std::exchange(text_, {});
 }
 
 std::string repaired(std::string_view bytes) {

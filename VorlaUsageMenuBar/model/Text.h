@@ -39,6 +39,9 @@ public:
     /// Drops text from the start, in whole code points, until at most `maximumBytes` are left.
     void keepLast(std::size_t maximumBytes);
 
+    /// Hands over the text and starts anew.
+    std::string take();
+
 private:
     std::string text_;
     /// The bytes of an unfinished character; text_ then ends in a U+FFFD that stands for them.

@@ -193,27 +193,33 @@ TEST_F(CommandStop, stopsAShortRunOnceEitherStreamIsTooLong) {
 }
 
 TEST_F(CommandStop, letsADashboardLoseItsOldestTextInstead) {
-    const std::string part(Command::maximumStreamBytes / 2, 'x');
+    const std::string part(Command::maximumRecentBytes / 2, 'x');
     std::string seen;
     command->onOutput = [&](std::string_view text) { seen = text; };
     start("--web");
-    for (const auto print : {&FakeChild::print, &FakeChild::printError}) {
-        (child().*print)("first");
-        (child().*print)(part);
-        (child().*print)(part);
-        (child().*print)("last");
-    }
+    child().print("first");
+    child().print(part);
+    child().print(part);
+    child().print("last");
     EXPECT_EQ(child().signals, Signals{});
-    EXPECT_LE(seen.size(), Command::maximumStreamBytes);
+    EXPECT_GE(seen.size(), Command::maximumRecentBytes / 2);
+    EXPECT_LE(seen.size(), Command::maximumRecentBytes);
+    EXPECT_TRUE(seen.starts_with("xx"));
     EXPECT_TRUE(seen.ends_with("xxlast"));
     child().finish(0);
     ASSERT_EQ(results.size(), 1U);
-    for (const auto& text : {results[0].output, results[0].errors}) {
-        EXPECT_GE(text.size(), Command::maximumStreamBytes / 2);
-        EXPECT_LE(text.size(), Command::maximumStreamBytes);
-        EXPECT_TRUE(text.starts_with("xx"));
-        EXPECT_TRUE(text.ends_with("xxlast"));
-    }
+    EXPECT_EQ(results[0].output, seen);
+}
+
+TEST_F(CommandStop, letsADashboardLoseItsNewestErrors) {
+    start("--web");
+    child().printError("first");
+    child().printError(std::string(Command::maximumFirstErrorBytes, 'x'));
+    child().printError("last");
+    EXPECT_EQ(child().signals, Signals{});
+    child().finish(1);
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(results[0].errors, "first" + std::string(Command::maximumFirstErrorBytes - 5, 'x'));
 }
 
 } // namespace vorla

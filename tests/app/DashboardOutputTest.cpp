@@ -74,13 +74,27 @@ TEST_F(DashboardOutputTest, yieldsTheAddressBeforeAndAfterAMillionLines) {
 
 TEST_F(DashboardOutputTest, yieldsTheAddressAlsoWhenItsLineHasBeenDropped) {
     dashboard().print("Serving on http://127.0.0.1:1000/ (Ctrl-C to stop)\n");
-    printLines(1060, 64);
+    printLines(20, 64);
     EXPECT_LT(lastLength, longest);
     EXPECT_EQ(address, "http://127.0.0.1:1000/");
     dashboard().print("http://localhost:2000/ http://127.0.0.1:3");
     EXPECT_EQ(address, "http://127.0.0.1:3");
     dashboard().print(".evil.example/\n");
     EXPECT_EQ(address, "http://127.0.0.1:1000/");
+}
+
+TEST_F(DashboardOutputTest, yieldsAnAddressFromWhereverItStandsInAPiece) {
+    // The longest piece that comes, of bytes that take three times as much when repaired.
+    const std::string rest(std::size_t{64} << 10U, '\xFF');
+    for (int number = 0; number < 50; ++number) {
+        const std::string expected = "http://127.0.0.1:" + std::to_string(number) + "/";
+        const std::string line = '\n' + expected + '\n';
+        dashboard().print(line + rest.substr(line.size()));
+        EXPECT_EQ(address, expected);
+        dashboard().print(rest);
+        EXPECT_EQ(address, expected);
+    }
+    EXPECT_LE(longest, Command::maximumRecentBytes);
 }
 
 } // namespace vorla

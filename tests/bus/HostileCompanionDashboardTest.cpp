@@ -69,6 +69,18 @@ TEST_F(HostileDashboard, errorsThatAreOneCharacterWithoutEnd) {
         "Dashboard stopped: " + errors.substr(0, 65'535) + "\uFFFD");
 }
 
+TEST_F(HostileDashboard, errorsWithoutEnd) {
+    startWithFigures({"STATUS=3"});
+    makeFile("errors", "port in use\n" + std::string(80'000'000, 'x'));
+    companionIs("printsFiles");
+    choose();
+    ASSERT_TRUE(
+        loop().runUntil([this] { return item.line(LineRole::dashboardError).has_value(); }));
+    EXPECT_EQ(
+        item.text(LineRole::dashboardError),
+        "Dashboard stopped: port in use\n" + std::string(188, 'x'));
+}
+
 TEST_F(HostileDashboard, aStarterThatPassesNoRequestOn) {
     startDashboard("startsADashboard");
     const FileDescriptor server = processHandle(waitUntilReady());

@@ -369,8 +369,7 @@ TEST_F(HostileOutput, diagnosticErrorsThatAreOneCharacterWithoutEnd) {
     item.listener->chosen(MenuAction::copyDiagnosticSnapshot);
     ASSERT_TRUE(
         loop().runUntil([this] { return item.line(LineRole::diagnosticStatus).has_value(); }));
-    EXPECT_EQ(
-        item.text(LineRole::diagnosticStatus), "e" + repeated("\u0301", 32'767) + "\uFFFD");
+    EXPECT_EQ(item.text(LineRole::diagnosticStatus), "e" + repeated("\u0301", 32'767) + "\uFFFD");
 }
 
 TEST_F(HostileOutput, manyErrorsOfOneLetter) {

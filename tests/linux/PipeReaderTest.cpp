@@ -74,8 +74,7 @@ public:
     /// Waits until no more than so many posts are still to be refused.
     bool waitForRefusals(int left) {
         std::unique_lock lock(mutex_);
-        return changed_.wait_for(
-            lock, std::chrono::seconds{30}, [&] { return refusals_ <= left; });
+        return changed_.wait_for(lock, std::chrono::seconds{30}, [&] { return refusals_ <= left; });
     }
 
     void runOne() {

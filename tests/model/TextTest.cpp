@@ -169,8 +169,7 @@ TEST(Text, anExcerptOfOneCharacterWithoutEndHasAnEnd) {
         character += "\u0301";
     }
     // The last of the bytes looked at is half a mark.
-    EXPECT_EQ(
-        excerpt(character, 200), character.substr(0, maximumExcerptBytes - 1) + "\uFFFD");
+    EXPECT_EQ(excerpt(character, 200), character.substr(0, maximumExcerptBytes - 1) + "\uFFFD");
 }
 
 TEST(Text, uppercasesTheFirstCharacterOnly) {
