@@ -56,6 +56,9 @@ public:
     static constexpr std::string_view notificationsEnabledKey = "quotaNotificationsEnabled";
     static constexpr std::string_view notifiedEventsKey = "notifiedQuotaEvents";
 
+    /// Of the two runs that only the user asks for; a refresh says where to install it.
+    static constexpr auto retryMissingText = "vorla-usage missing. Install it, then retry.";
+
     static constexpr std::chrono::seconds refreshInterval{60};
     /// A session that ends kills what is left five seconds after it asked. By then a child that
     /// ignores the request has been killed for a second and a half; one that still stands cannot

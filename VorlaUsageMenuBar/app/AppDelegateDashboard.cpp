@@ -11,7 +11,6 @@ namespace vorla {
 
 namespace {
 
-constexpr auto missingText = "vorla-usage missing. Install it, then retry.";
 constexpr auto cannotOpenText = "Cannot open dashboard: ";
 constexpr auto stoppedText = "Dashboard stopped: ";
 constexpr std::size_t errorCharacters = 200;
@@ -32,7 +31,7 @@ void AppDelegate::openDashboard() {
     }
     const auto path = findCompanion(platform_.companionPlaces);
     if (!path) {
-        dashboardFailed(missingText);
+        dashboardFailed(retryMissingText);
         return;
     }
     dashboardCommand_ =

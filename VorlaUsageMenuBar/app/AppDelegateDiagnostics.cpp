@@ -16,7 +16,6 @@ namespace vorla {
 
 namespace {
 
-constexpr auto missingText = "vorla-usage missing. Install it, then retry.";
 constexpr auto cannotRunText = "Cannot run diagnostics: ";
 constexpr auto timedOutText = "Diagnostic snapshot timed out.";
 constexpr auto invalidText = "Invalid diagnostic output from vorla-usage.";
@@ -51,7 +50,7 @@ void AppDelegate::copyDiagnosticSnapshot() {
     }
     const auto path = findCompanion(platform_.companionPlaces);
     if (!path) {
-        diagnosticEnded(missingText);
+        diagnosticEnded(retryMissingText);
         return;
     }
     diagnosticCommand_ =

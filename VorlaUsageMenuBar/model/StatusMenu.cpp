@@ -11,8 +11,6 @@ namespace {
 
 using Lines = std::vector<MenuLine>;
 
-constexpr const char* titleWithoutSnapshot = "Vorla ?";
-
 /// Enough for an everyday menu, so that its lines are not moved while more are added.
 constexpr std::size_t usualLineCount = 32;
 
@@ -78,10 +76,8 @@ void addActions(Lines& lines, const MenuState& state) {
 
 std::vector<std::int64_t> figuresInTitle(const Usage& usage) {
     std::vector<std::int64_t> figures;
-    for (const std::int64_t duration : {fiveHourMinutes, weeklyMinutes}) {
-        if (const Usage::Window* window = usage.window(duration)) {
-            figures.push_back(window->remainingPercent);
-        }
+    for (const Usage::TitlePart& part : usage.titleParts()) {
+        figures.push_back(part.remainingPercent);
     }
     return figures;
 }
@@ -108,7 +104,7 @@ StatusMenu composeMenu(const MenuState& state, double now) {
         menu.figures = figuresInTitle(*state.usage);
         addUsageLines(menu.lines, *state.usage, state.pace, now);
     } else {
-        menu.title = titleWithoutSnapshot;
+        menu.title = titleWithoutFigures;
         addIfPresent(menu.lines, LineRole::error, state.error);
     }
     addStatus(menu.lines, state);

@@ -12,6 +12,9 @@ namespace vorla {
 inline constexpr std::int64_t fiveHourMinutes = 300;
 inline constexpr std::int64_t weeklyMinutes = 10080;
 
+/// The status title while there is no figure to show.
+inline constexpr std::string_view titleWithoutFigures = "Vorla ?";
+
 /// 10000-01-01T00:00:00Z; times of the document must lie closer to the epoch than this.
 inline constexpr double yearTenThousand = 253402300800.0;
 
@@ -122,7 +125,16 @@ struct Usage {
     /// The first main window of that length, or nothing.
     const Window* window(std::int64_t durationMins) const;
 
-    /// The status title: the remaining shares of the two main windows, or "Vorla ?".
+    /// What the status title shows of one window.
+    struct TitlePart {
+        std::string_view label;
+        std::int64_t remainingPercent = 0;
+    };
+
+    /// The two main windows in the order of the title, as far as they are there.
+    std::vector<TitlePart> titleParts() const;
+
+    /// The status title: what is left of those windows, or titleWithoutFigures.
     std::string title() const;
 
     bool operator==(const Usage&) const = default;

@@ -10,14 +10,13 @@ namespace vorla {
 
 namespace {
 
-struct TitlePart {
-    std::int64_t windowDurationMins;
+struct TitleWindow {
+    std::int64_t durationMins;
     std::string_view label;
 };
 
-constexpr TitlePart titleParts[] = {{fiveHourMinutes, "5h"}, {weeklyMinutes, "W"}};
+constexpr TitleWindow titleWindows[] = {{fiveHourMinutes, "5h"}, {weeklyMinutes, "W"}};
 constexpr std::string_view titleSeparator = " \u00B7 ";
-constexpr std::string_view titleWithoutWindows = "Vorla ?";
 
 constexpr std::string_view pressureUnavailable = "Pressure data unavailable.";
 
@@ -79,20 +78,26 @@ std::optional<double> usedDistance(const Usage::PressureCheck& check) {
 
 } // namespace
 
+std::vector<Usage::TitlePart> Usage::titleParts() const {
+    std::vector<TitlePart> parts;
+    for (const TitleWindow& titleWindow : titleWindows) {
+        if (const Window* const shown = window(titleWindow.durationMins)) {
+            parts.push_back({titleWindow.label, shown->remainingPercent});
+        }
+    }
+    return parts;
+}
+
 std::string Usage::title() const {
     std::string title;
-    for (const TitlePart& part : titleParts) {
-        const Window* const shown = window(part.windowDurationMins);
-        if (shown == nullptr) {
-            continue;
-        }
+    for (const TitlePart& part : titleParts()) {
         if (!title.empty()) {
             title += titleSeparator;
         }
-        title.append(part.label).append(" ").append(std::to_string(shown->remainingPercent));
+        title.append(part.label).append(" ").append(std::to_string(part.remainingPercent));
         title += '%';
     }
-    return title.empty() ? std::string(titleWithoutWindows) : title;
+    return title.empty() ? std::string(titleWithoutFigures) : title;
 }
 
 std::string Usage::PressureCheck::summary() const {
