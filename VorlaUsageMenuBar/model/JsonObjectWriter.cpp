@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/JsonObjectWriter.h"
 
+#include "model/JsonString.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -8,32 +10,6 @@
 namespace vorla {
 
 namespace {
-
-constexpr std::string_view hexadecimalDigits = "0123456789abcdef";
-
-void appendEscaped(std::string& json, char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    if (byte == '"' || byte == '\\') {
-        json += '\\';
-        json += byte;
-    } else if (byte == '\n') {
-        json += "\\n";
-    } else if (code < 0x20) {
-        json += "\\u00";
-        json += hexadecimalDigits[code / 16];
-        json += hexadecimalDigits[code % 16];
-    } else {
-        json += byte;
-    }
-}
-
-void appendString(std::string& json, std::string_view text) {
-    json += '"';
-    for (const char byte : text) {
-        appendEscaped(json, byte);
-    }
-    json += '"';
-}
 
 template <typename Number>
 void appendNumber(std::string& json, Number number) {
@@ -47,7 +23,7 @@ void appendNumber(std::string& json, Number number) {
 
 void JsonObjectWriter::add(std::string_view key, std::string_view text) {
     addKey(key);
-    appendString(members_, text);
+    appendJsonString(members_, text);
 }
 
 void JsonObjectWriter::add(std::string_view key, std::int64_t number) {
@@ -80,7 +56,7 @@ void JsonObjectWriter::addKey(std::string_view key) {
     if (!members_.empty()) {
         members_ += ',';
     }
-    appendString(members_, key);
+    appendJsonString(members_, key);
     members_ += ':';
 }
 

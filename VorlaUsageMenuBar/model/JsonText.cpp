@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "model/JsonText.h"
 
+#include "model/JsonString.h"
+
 #include <string_view>
 #include <utility>
 
@@ -8,7 +10,6 @@ namespace vorla {
 
 namespace {
 
-constexpr std::string_view hexadecimalDigits = "0123456789abcdef";
 constexpr std::size_t spacesPerLevel = 2;
 
 /// Text that stops growing at its limit.
@@ -43,32 +44,6 @@ private:
     bool full_ = false;
 };
 
-bool mustBeEscaped(char byte) {
-    return byte == '"' || byte == '\\' || (byte >= 0 && byte < 0x20);
-}
-
-std::string escape(char byte) {
-    switch (byte) {
-    case '"':
-        return "\\\"";
-    case '\\':
-        return "\\\\";
-    case '\b':
-        return "\\b";
-    case '\f':
-        return "\\f";
-    case '\n':
-        return "\\n";
-    case '\r':
-        return "\\r";
-    case '\t':
-        return "\\t";
-    default:
-        const auto code = static_cast<unsigned char>(byte);
-        return {'\\', 'u', '0', '0', hexadecimalDigits[code / 16], hexadecimalDigits[code % 16]};
-    }
-}
-
 /// Overloads rather than names, so that the variant's alternatives find theirs.
 class Writer final {
 public:
@@ -86,23 +61,7 @@ public:
 
     void operator()(const JsonNumber& number) { out_.append(number.text); }
 
-    void operator()(const std::string& string) {
-        out_.append("\"");
-        std::string_view rest = string;
-        while (!rest.empty()) {
-            std::size_t plain = 0;
-            while (plain < rest.size() && !mustBeEscaped(rest[plain])) {
-                ++plain;
-            }
-            out_.append(rest.substr(0, plain));
-            rest.remove_prefix(plain);
-            if (!rest.empty()) {
-                out_.append(escape(rest.front()));
-                rest.remove_prefix(1);
-            }
-        }
-        out_.append("\"");
-    }
+    void operator()(const std::string& string) { appendJsonString(out_, string); }
 
     void operator()(const JsonArray& array) {
         container(array, "[", "]", [this](const JsonValue& item) { write(item); });

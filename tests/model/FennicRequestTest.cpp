@@ -81,7 +81,7 @@ TEST(FennicRequest, encodesTheSummaryInside) {
 TEST(FennicRequest, escapesOnlyWhatMustBe) {
     EXPECT_EQ(
         encodedTask("\"a\\b\"\n\r\t\x01\x1F\x7F/\u00E9\u2028"),
-        "{\"task\":\"\\\"a\\\\b\\\"\\n\\u000d\\u0009\\u0001\\u001f\x7F/"
+        "{\"task\":\"\\\"a\\\\b\\\"\\n\\r\\t\\u0001\\u001f\x7F/"
         "\u00E9\u2028\",\"quota\":{}}");
     EXPECT_EQ(encodedTask(std::string_view("\0", 1)), R"({"task":"\u0000","quota":{}})");
 }
