@@ -12,10 +12,9 @@
 #include "fakes/FakePreferences.h"
 #include "fakes/FakeStatusItem.h"
 #include "fakes/ManualLoop.h"
+#include "model/FileContent.h"
 
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
@@ -97,8 +96,7 @@ inline std::string characterWithoutEnd() {
 }
 
 inline std::string snapshotNamed(const std::string& name) {
-    std::ifstream file(VORLA_TEST_DATA "/snapshots/" + name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return contentOf(VORLA_TEST_DATA "/snapshots/" + name);
 }
 
 } // namespace vorla

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "bus/ItemFixture.h"
+#include "model/ScopedVariable.h"
 
 #include <unistd.h>
-
-#include <cstdlib>
 
 namespace vorla {
 namespace {
@@ -35,21 +34,11 @@ private:
 class ActivationTest : public ItemFixture {
 protected:
     ActivationTest() {
-        if (const char* const display = std::getenv("WAYLAND_DISPLAY")) {
-            waylandBefore_ = display;
-        }
-        unsetenv("WAYLAND_DISPLAY");
         item.setListener(&taker);
         item.show(usualMenu());
     }
 
-    ~ActivationTest() override {
-        item.setListener(nullptr);
-        unsetenv("WAYLAND_DISPLAY");
-        if (waylandBefore_) {
-            setenv("WAYLAND_DISPLAY", waylandBefore_->c_str(), 1);
-        }
-    }
+    ~ActivationTest() override { item.setListener(nullptr); }
 
     void sendEvent(std::int32_t id, const std::string& kind, std::uint32_t time) {
         const bus::Variant nothing(std::int32_t{0});
@@ -69,7 +58,7 @@ protected:
     TokenTaker taker{item};
 
 private:
-    std::optional<std::string> waylandBefore_;
+    ScopedVariable display_{"WAYLAND_DISPLAY", std::nullopt};
 };
 
 TEST_F(ActivationTest, isAnIdWithTheTimeOfTheChoice) {
@@ -132,7 +121,7 @@ TEST_F(ActivationTest, isAnIdAgainOnceThePanelsTokenIsTooOld) {
 }
 
 TEST_F(ActivationTest, isOnlyThePanelsTokenUnderWayland) {
-    setenv("WAYLAND_DISPLAY", "wayland-0", 1);
+    const ScopedVariable display("WAYLAND_DISPLAY", "wayland-0");
     choose(7);
     provide("token");
     choose(8);

@@ -2,13 +2,13 @@
 #include "bus/PrivateBus.h"
 #include "fakes/ManualLoop.h"
 #include "linux/bus/Interface.h"
+#include "model/ScopedVariable.h"
 
 #include <gtest/gtest.h>
 
 #include <systemd/sd-bus.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <stdexcept>
 
 namespace vorla::bus {
@@ -332,16 +332,14 @@ TEST_F(BusTest, leavesSlotsHarmlessThatOutliveTheConnection) {
 }
 
 TEST_F(BusTest, opensTheBusOfTheSession) {
-    ASSERT_EQ(setenv("DBUS_SESSION_BUS_ADDRESS", daemon.address().c_str(), 1), 0);
+    const ScopedVariable variable("DBUS_SESSION_BUS_ADDRESS", daemon.address());
     auto session = Bus::openSession(loop.real());
     EXPECT_FALSE(session.requestName(peerName));
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
 }
 
 TEST_F(BusTest, failsToOpenABusThatIsNotThere) {
-    ASSERT_EQ(setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1), 0);
+    const ScopedVariable variable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
     EXPECT_THROW(Bus::openSession(loop.real()), std::system_error);
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
     EXPECT_THROW(Bus::open(loop.real(), "unix:path=/nonexistent/bus"), std::system_error);
     EXPECT_THROW(Bus::open(loop.real(), "nonsense"), std::system_error);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Companions that cannot be started, and companions that print what nobody can use.
 #include "bus/HostileCompanion.h"
+#include "model/FileContent.h"
+#include "model/Repeated.h"
 
 #include <sys/stat.h>
 
@@ -65,20 +67,6 @@ protected:
 
 std::string event(const std::string& key) {
     return R"({"key":")" + key + R"(","title":"","body":""},)";
-}
-
-std::string fileContent(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string repeated(const std::string& part, std::size_t count) {
-    std::string text;
-    text.reserve(part.size() * count);
-    for (std::size_t number = 0; number < count; ++number) {
-        text += part;
-    }
-    return text;
 }
 
 } // namespace
@@ -182,19 +170,19 @@ TEST_F(HostileStart, aScriptThatIsItsOwnInterpreter) {
 }
 
 TEST_F(HostileStart, aProgramForAnotherMachine) {
-    auto program = fileContent(child("exitsWithStatus"));
+    auto program = contentOf(child("exitsWithStatus"));
     program.at(18) = '\x7F';
     expectLineOfFile(program, cannotRun("Exec format error"));
 }
 
 TEST_F(HostileStart, aProgramCutShort) {
     expectLineOfFile(
-        fileContent(child("exitsWithStatus")).substr(0, 64), cannotRun("Exec format error"));
+        contentOf(child("exitsWithStatus")).substr(0, 64), cannotRun("Exec format error"));
 }
 
 TEST_F(HostileStart, aProgramThatSomebodyIsWriting) {
     startWithFigures();
-    companionHolds(fileContent(child("exitsWithStatus")));
+    companionHolds(contentOf(child("exitsWithStatus")));
     FileDescriptor writer(open(companion().c_str(), O_WRONLY | O_CLOEXEC));
     refresh();
     ASSERT_NO_FATAL_FAILURE(expectLine(cannotRun("Text file busy")));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/BusText.h"
 
+#include "model/Repeated.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -13,14 +15,6 @@ namespace vorla {
 namespace {
 
 using namespace std::string_literals;
-
-std::string repeated(const std::string& text, std::size_t count) {
-    std::string result;
-    for (std::size_t index = 0; index < count; ++index) {
-        result += text;
-    }
-    return result;
-}
 
 std::string utf8(char32_t codePoint) {
     const auto continued = [&](unsigned shift) {

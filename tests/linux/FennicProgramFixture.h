@@ -3,6 +3,7 @@
 
 #include "children/NothingLeftBehind.h"
 #include "linux/FennicProgram.h"
+#include "model/FileContent.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -132,8 +133,7 @@ protected:
     std::string record(const std::string& about) {
         window.reset();
         EXPECT_TRUE(loop().runUntil(hasNoChild));
-        std::ifstream file(folder() / ("recordsItsStart." + about), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return contentOf(folder() / ("recordsItsStart." + about));
     }
 
     std::optional<FennicProgramLauncher> windows;

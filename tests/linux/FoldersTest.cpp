@@ -3,10 +3,12 @@
 
 #include "linux/FileDescriptor.h"
 #include "linux/TemporaryFolder.h"
+#include "model/ScopedVariable.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,32 +23,6 @@ namespace vorla {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Sets a variable of this process for one test.
-class ScopedVariable final {
-public:
-    ScopedVariable(const char* name, const std::string& value) : name_(name) {
-        if (const char* const before = std::getenv(name)) {
-            before_ = before;
-        }
-        setenv(name, value.c_str(), 1);
-    }
-
-    ~ScopedVariable() {
-        if (before_) {
-            setenv(name_, before_->c_str(), 1);
-        } else {
-            unsetenv(name_);
-        }
-    }
-
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-
-private:
-    const char* name_;
-    std::optional<std::string> before_;
-};
 
 std::string thisExecutable() {
     return fs::read_symlink("/proc/self/exe");
@@ -65,6 +41,15 @@ TEST(Folders, ignoreARelativeConfigurationFolder) {
     }
 }
 
+TEST(Folders, knowTheHomeOfTheUserWithoutItsVariable) {
+    const std::string expected = getpwuid(geteuid())->pw_dir;
+    for (const auto& home :
+         {std::optional<std::string>(), std::optional<std::string>("relative")}) {
+        const ScopedVariable variable("HOME", home);
+        EXPECT_EQ(homeDirectory(), expected);
+    }
+}
+
 TEST(Folders, knowTheProgramByItsExecutable) {
     const ScopedVariable image("APPIMAGE", "");
     EXPECT_EQ(lastingProgramPath(), thisExecutable());
@@ -72,6 +57,7 @@ TEST(Folders, knowTheProgramByItsExecutable) {
 
 TEST(Folders, knowAnAppImageByItsOwnPath) {
     const ScopedVariable image("APPIMAGE", "/home/user/Vorla.AppImage");
+    const ScopedVariable unknown("APPDIR", std::nullopt);
     EXPECT_EQ(lastingProgramPath(), "/home/user/Vorla.AppImage");
     const ScopedVariable mounted("APPDIR", fs::path(thisExecutable()).parent_path());
     EXPECT_EQ(lastingProgramPath(), "/home/user/Vorla.AppImage");

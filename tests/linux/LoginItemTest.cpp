@@ -3,6 +3,8 @@
 
 #include "linux/DesktopEntry.h"
 #include "linux/TemporaryFolder.h"
+#include "model/FileContent.h"
+#include "model/ScopedVariable.h"
 
 #include <gtest/gtest.h>
 
@@ -424,6 +426,7 @@ TEST_F(LoginItemTest, saysWhyTheEntryCannotBeRemoved) {
 }
 
 TEST(LoginItemEnvironment, takesThisProgramsOwnPath) {
+    const ScopedVariable image("APPIMAGE", std::nullopt);
     EXPECT_EQ(
         LoginItemEnvironment::ofThisProcess().programPath, fs::read_symlink("/proc/self/exe"));
 }
@@ -431,8 +434,7 @@ TEST(LoginItemEnvironment, takesThisProgramsOwnPath) {
 TEST(InstalledDesktopEntry, isValidAndStartsTheProgram) {
     const auto path = std::string(VORLA_TEST_DATA) + "/../../data/com.vorla.UsageMenuBar.desktop";
     EXPECT_EQ(validate(path), 0);
-    std::ifstream file(path);
-    const auto entry = DesktopEntry::parse(std::string(std::istreambuf_iterator<char>(file), {}));
+    const auto entry = DesktopEntry::parse(contentOf(path));
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->string("Exec"), "VorlaUsageMenuBar");
     EXPECT_EQ(entry->string("Name"), "VorlaUsageMenuBar");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "model/FileContent.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -46,10 +48,7 @@ public:
         return path;
     }
 
-    std::string read(std::string_view name) const {
-        std::ifstream file(at(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string read(std::string_view name) const { return contentOf(at(name)); }
 
     bool has(std::string_view name) const {
         return std::filesystem::exists(std::filesystem::symlink_status(at(name)));

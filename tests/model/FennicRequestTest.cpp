@@ -2,6 +2,7 @@
 #include "model/FennicRequest.h"
 
 #include "model/JsonObjectReader.h"
+#include "model/Repeated.h"
 
 #include <gtest/gtest.h>
 
@@ -10,14 +11,6 @@
 namespace vorla {
 
 namespace {
-
-std::string repeated(std::string_view piece, std::size_t count) {
-    std::string text;
-    for (std::size_t made = 0; made < count; ++made) {
-        text += piece;
-    }
-    return text;
-}
 
 /// The task that would be sent, or the message shown instead.
 std::string prepared(std::string_view text) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdlib>
+#include "model/ScopedVariable.h"
+
 #include <ctime>
 #include <optional>
-#include <string>
 
 namespace vorla {
 
@@ -12,28 +12,18 @@ namespace vorla {
 /// database is needed.
 class LocalZone final {
 public:
-    explicit LocalZone(const char* zone) {
-        if (const char* before = std::getenv("TZ")) {
-            before_ = before;
-        }
-        setenv("TZ", zone, 1);
-        tzset();
-    }
+    explicit LocalZone(const char* zone) : variable_(std::in_place, "TZ", zone) { tzset(); }
 
     LocalZone(const LocalZone&) = delete;
     LocalZone& operator=(const LocalZone&) = delete;
 
     ~LocalZone() {
-        if (before_) {
-            setenv("TZ", before_->c_str(), 1);
-        } else {
-            unsetenv("TZ");
-        }
+        variable_.reset();
         tzset();
     }
 
 private:
-    std::optional<std::string> before_;
+    std::optional<ScopedVariable> variable_;
 };
 
 } // namespace vorla

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "model/SnapshotDocument.h"
 
+#include "model/FileContent.h"
 #include "model/Usage.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace vorla {
@@ -32,8 +31,7 @@ std::string quoted(const std::string& text) {
 } // namespace
 
 std::string snapshot(const std::string& name) {
-    std::ifstream file(VORLA_TEST_DATA "/snapshots/" + name, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    std::string bytes = contentOf(VORLA_TEST_DATA "/snapshots/" + name);
     EXPECT_FALSE(bytes.empty()) << name;
     return bytes;
 }

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "model/StatusMenu.h"
 
+#include "model/FileContent.h"
 #include "model/LocalZone.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 namespace vorla {
 namespace {
@@ -72,8 +71,7 @@ std::string printed(const StatusMenu& menu) {
 }
 
 std::string expectedMenu(const std::string& name) {
-    std::ifstream file(std::string(VORLA_TEST_DATA) + "/menus/" + name + ".txt");
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return contentOf(VORLA_TEST_DATA "/menus/" + name + ".txt");
 }
 
 Usage::Window window(std::int64_t durationMins, std::int64_t remainingPercent, double resetsAt) {

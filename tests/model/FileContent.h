@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace vorla {
+
+/// All bytes of this file; none if it cannot be read.
+inline std::string contentOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace vorla

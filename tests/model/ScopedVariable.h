@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace vorla {
+
+/// Sets a variable of this process for as long as it lives, or takes it away if there is no value.
+class ScopedVariable final {
+public:
+    ScopedVariable(std::string name, const std::optional<std::string>& value)
+        : name_(std::move(name)) {
+        if (const char* const before = std::getenv(name_.c_str())) {
+            before_ = before;
+        }
+        set(value);
+    }
+
+    ~ScopedVariable() { set(before_); }
+
+    ScopedVariable(const ScopedVariable&) = delete;
+    ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+private:
+    void set(const std::optional<std::string>& value) const {
+        if (value) {
+            setenv(name_.c_str(), value->c_str(), 1);
+        } else {
+            unsetenv(name_.c_str());
+        }
+    }
+
+    std::string name_;
+    std::optional<std::string> before_;
+};
+
+} // namespace vorla
