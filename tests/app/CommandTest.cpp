@@ -2,6 +2,7 @@
 #include "app/Command.h"
 
 #include "app/CommandFixture.h"
+#include "fakes/RefusingLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +39,15 @@ TEST_F(CommandTest, overwritesTheCompanionVariable) {
     weak = command;
     start("--json");
     EXPECT_EQ(child().request.environment, std::vector<std::string>{"VORLA_USAGE_COMPANION=1"});
+}
+
+TEST_F(CommandTest, startsNothingThatItCouldNotEndInTime) {
+    RefusingLoop full(loop, RefusingLoop::Refuses::timers);
+    command = Command::create(full, launcher, Environment());
+    weak = command;
+    EXPECT_THROW(start("--json"), std::system_error);
+    EXPECT_TRUE(launcher.children.empty());
+    EXPECT_TRUE(results.empty());
 }
 
 TEST_F(CommandTest, completesOnceWithEverythingThatWasPrinted) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <unistd.h>
+
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
@@ -9,7 +11,11 @@
 
 /// Writes LINES lines of 64 bytes, each beginning with its own number.
 inline void flood(std::FILE* stream) {
-    const int lines = std::atoi(std::getenv("LINES"));
+    const char* wanted = std::getenv("LINES");
+    if (wanted == nullptr) {
+        _exit(99);
+    }
+    const int lines = std::atoi(wanted);
     // Standard error would be written line by line.
     std::setvbuf(stream, nullptr, _IOFBF, std::size_t{64} << 10U);
     std::string line(63, '.');

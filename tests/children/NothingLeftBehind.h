@@ -8,12 +8,14 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
@@ -73,15 +75,25 @@ protected:
         ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
     }
 
-    /// Handles events until the process of this handle has ended.
+    /// Handles events until the process of this handle has ended. If it never does, it is killed.
     bool runUntilEnded(const FileDescriptor& handle) {
         bool ended = false;
         const auto watch = loop().whenReadable(handle.number(), [&] { ended = true; });
-        return loop().runUntil([&] { return ended; });
+        const bool inTime = loop().runUntil([&] { return ended; });
+        if (!inTime) {
+            syscall(SYS_pidfd_send_signal, handle.number(), SIGKILL, nullptr, 0);
+        }
+        return inTime;
     }
 
     /// Lets one waiting child go on.
     void go() { ASSERT_EQ(write(go_.number(), "!", 1), 1); }
+
+    /// Whether as many have gone on as were let.
+    bool wentOn() const {
+        pollfd watched = {go_.number(), POLLIN, 0};
+        return poll(&watched, 1, 0) == 0;
+    }
 
     std::string goPath() const { return folder_ / "go"; }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Exits at once with status 5; a child of its own holds the streams open until told to go on.
+// Exits at once with status 5; a child of its own holds the streams open until told to go on. If
+// READY is set, that child says so first.
 #include "Go.h"
+#include "Ready.h"
 
 #include <cstdio>
 
@@ -11,6 +13,9 @@ int main() {
     }
     if (child > 0) {
         return 5;
+    }
+    if (std::getenv("READY") != nullptr) {
+        sayReady();
     }
     waitForGo();
     std::fputs("late", stdout);

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "linux/AtomicFile.h"
 
+#include "children/SystemLimits.h"
 #include "linux/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
+#include <stop_token>
 #include <string>
 #include <thread>
 
@@ -25,28 +25,6 @@ mode_t modeOf(const std::string& path) {
     EXPECT_EQ(stat(path.c_str(), &status), 0);
     return status.st_mode & 07777U;
 }
-
-/// A disk that is full after so many bytes of a file.
-class FileSizeLimit final {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &before_), 0);
-        const rlimit limit{.rlim_cur = bytes, .rlim_max = before_.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, previousHandler_);
-    }
-
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    void (*previousHandler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before_ = {};
-};
 
 TEST(AtomicFile, writesANewFileWithTheGivenMode) {
     const TemporaryFolder folder;
@@ -76,16 +54,21 @@ TEST(AtomicFile, givesTheFileANewIdentityInsteadOfWritingIntoIt) {
 TEST(AtomicFile, showsAReaderNothingButWholeContents) {
     const TemporaryFolder folder;
     const auto path = folder.write("file", std::string(100'000, '0'));
+    std::atomic<int> reads = 0;
     std::atomic<bool> done = false;
-    std::jthread writer([&] {
-        for (char digit = '1'; digit <= '9'; ++digit) {
+    std::jthread writer([&](const std::stop_token& failed) {
+        // One content after another until some were read on the way.
+        for (char digit = '1'; reads < 100 && !failed.stop_requested();
+             digit = digit == '9' ? '1' : static_cast<char>(digit + 1)) {
             EXPECT_EQ(writeFileAtomically(path, std::string(100'000, digit), 0600), 0);
         }
         done = true;
     });
     while (!done) {
         const auto content = readFile(path, 200'000);
+        ++reads;
         ASSERT_EQ(content.error, 0);
+        ASSERT_EQ(content.bytes.size(), 100'000U);
         ASSERT_EQ(content.bytes, std::string(100'000, content.bytes.front()));
     }
 }
@@ -146,7 +129,7 @@ TEST(AtomicFile, keepsTheOldContentWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     const auto path = folder.write("file", "old");
     {
-        const FileSizeLimit limit(1000);
+        const FullDisk disk(1000);
         EXPECT_EQ(writeFileAtomically(path, std::string(5000, 'n'), 0600), EFBIG);
     }
     EXPECT_EQ(folder.read("file"), "old");

@@ -3,14 +3,13 @@
 
 #include "children/NothingLeftBehind.h"
 #include "children/ReadyPipe.h"
+#include "children/SystemLimits.h"
+#include "fakes/RefusingLoop.h"
 #include "linux/ToolFolder.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <csignal>
-#include <functional>
-#include <system_error>
 #include <utility>
 
 namespace vorla {
@@ -24,45 +23,6 @@ const Variables x11 = {"DISPLAY=:7"};
 const Variables wayland = {"WAYLAND_DISPLAY=wayland-1", "DISPLAY=:7", "XDG_CURRENT_DESKTOP=sway"};
 const Variables gnome = {
     "WAYLAND_DISPLAY=wayland-0", "DISPLAY=:7", "XDG_CURRENT_DESKTOP=ubuntu:GNOME"};
-
-/// A main loop that has no room for one kind of source.
-class FullLoop final : public MainLoop {
-public:
-    enum class Refuses { timers, watches };
-
-    FullLoop(MainLoop& real, Refuses refuses) : real_(real), refuses_(refuses) {}
-
-    void post(std::function<void()> work) override { real_.post(std::move(work)); }
-
-    std::chrono::milliseconds now() const override { return real_.now(); }
-
-    std::unique_ptr<Source>
-    after(std::chrono::milliseconds delay, std::function<void()> work) override {
-        refuse(Refuses::timers);
-        return real_.after(delay, std::move(work));
-    }
-
-    std::unique_ptr<Source>
-    every(std::chrono::seconds interval, std::function<void()> work) override {
-        refuse(Refuses::timers);
-        return real_.every(interval, std::move(work));
-    }
-
-    std::unique_ptr<Source> whenReadable(int descriptor, std::function<void()> work) override {
-        refuse(Refuses::watches);
-        return real_.whenReadable(descriptor, std::move(work));
-    }
-
-private:
-    void refuse(Refuses kind) const {
-        if (kind == refuses_) {
-            throw std::system_error(std::make_error_code(std::errc::no_space_on_device));
-        }
-    }
-
-    MainLoop& real_;
-    Refuses refuses_;
-};
 
 class ClipboardTest : public NothingLeftBehind {
 protected:
@@ -270,6 +230,21 @@ TEST_F(ClipboardTest, killsAToolThatTakesTooLongAndTriesTheNext) {
     EXPECT_TRUE(hasNoChild());
 }
 
+TEST_F(ClipboardTest, killsWithAToolWhatItHasStarted) {
+    const ReadyPipe ready(folder() / "ready");
+    tools.put("xclip", "ignoresRequests");
+    auto variables = x11;
+    variables.insert(variables.end(), {"WITH_CHILD=1", ready.variable()});
+    startCopy("text", variables);
+    waitForTool();
+    const FileDescriptor one = processHandle(ready.next());
+    const FileDescriptor other = processHandle(ready.next());
+    loop().advance(DesktopClipboard::toolLimit);
+    EXPECT_TRUE(runUntilEnded(one));
+    EXPECT_TRUE(runUntilEnded(other));
+    ASSERT_TRUE(loop().runUntil([this] { return !outcomes.empty(); }));
+}
+
 TEST_F(ClipboardTest, isUnavailableWhenTheLastToolTakesTooLong) {
     tools.put("xclip", "waitsForEver");
     startCopy("text", x11);
@@ -282,14 +257,16 @@ TEST_F(ClipboardTest, isUnavailableWhenTheLastToolTakesTooLong) {
 }
 
 TEST_F(ClipboardTest, leavesTheBackgroundHalfOfAToolAlone) {
+    const ReadyPipe ready(folder() / "ready");
     tools.put("xclip", "leavesGrandchild");
     auto variables = x11;
-    variables.push_back(goVariable());
+    variables.insert(variables.end(), {goVariable(), ready.variable()});
     // This tool ends with status 5 and its own child waits; a failed tool's is left alone, too.
     EXPECT_EQ(copy("text", variables), Outcome::unavailable);
-    const FileDescriptor pipe(open(goPath().c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
-    EXPECT_TRUE(pipe.isOpen());
+    const FileDescriptor background = processHandle(ready.next());
     go();
+    EXPECT_TRUE(runUntilEnded(background));
+    EXPECT_TRUE(wentOn());
 }
 
 TEST_F(ClipboardTest, isNotHeldUpByAToolWhoseEndSomebodyElseHoldsBack) {
@@ -354,8 +331,8 @@ TEST_F(ClipboardTest, doesNotAnswerOnceItHasBeenDestroyed) {
 TEST_F(ClipboardTest, isUnavailableWhenTheMainLoopHasNoRoomForAToolsEnd) {
     tools.put("wl-copy", "waitsForEver");
     tools.put("xclip", "waitsForEver");
-    for (const auto refused : {FullLoop::Refuses::timers, FullLoop::Refuses::watches}) {
-        FullLoop full(loop(), refused);
+    for (const auto refused : {RefusingLoop::Refuses::timers, RefusingLoop::Refuses::watches}) {
+        RefusingLoop full(loop(), refused);
         DesktopClipboard shortLived(full, tools.environment(wayland));
         outcomes.clear();
         shortLived.copy("text", [this](Outcome outcome) { outcomes.push_back(outcome); });
@@ -369,16 +346,10 @@ TEST_F(ClipboardTest, isUnavailableWhenTheMainLoopHasNoRoomForAToolsEnd) {
 TEST_F(ClipboardTest, isUnavailableWhenTheTextCannotBeHandedOver) {
     tools.put("wl-copy", "recordsItsStart");
     tools.put("xclip", "recordsItsStart");
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit lowered = before;
-    lowered.rlim_cur = 10;
-    setrlimit(RLIMIT_FSIZE, &lowered);
-    const Outcome outcome = copy("more than ten bytes", wayland);
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, signalBefore);
-    EXPECT_EQ(outcome, Outcome::unavailable);
+    {
+        const FullDisk disk(10);
+        EXPECT_EQ(copy("more than ten bytes", wayland), Outcome::unavailable);
+    }
     EXPECT_FALSE(tools.wasStarted("wl-copy"));
     EXPECT_FALSE(tools.wasStarted("xclip"));
 }

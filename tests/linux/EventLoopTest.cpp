@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "linux/EventLoop.h"
 
+#include "children/SystemLimits.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <ctime>
@@ -207,12 +210,13 @@ TEST_F(EventLoopTest, countsTheTimeOfASuspendForRepeatedTimersOnly) {
 TEST_F(EventLoopTest, makesUpForMissedTicksWithOneCallAndStaysOnItsGrid) {
     using Clock = std::chrono::steady_clock;
     int calls = 0;
-    const auto start = Clock::now();
     Clock::time_point caughtUp;
     const auto timer = loop->every(1s, [&] {
         ++calls;
         caughtUp = Clock::now();
     });
+    // Not before: what passed between would count as waiting.
+    const auto start = Clock::now();
     loop->post([&] {
         while (Clock::now() < start + 2500ms) {}
     });
@@ -228,6 +232,34 @@ TEST_F(EventLoopTest, makesUpForMissedTicksWithOneCallAndStaysOnItsGrid) {
     ASSERT_TRUE(runUntil([&] { return awake; }));
     runPending();
     EXPECT_EQ(calls, 2);
+}
+
+TEST_F(EventLoopTest, throwsWhereverDescriptorsRunOut) {
+    // A sanitizer needs descriptors to look at a type for the first time, so it sees this one here.
+    EXPECT_THROW(static_cast<void>(loop->whenReadable(-1, [] {})), std::system_error);
+    const auto descriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    const auto before = descriptors();
+    int failures = 0;
+    for (bool isEnough = false; !isEnough && failures < 200; failures += isEnough ? 0 : 1) {
+        int error = 0;
+        {
+            const SystemLimit limit(RLIMIT_NOFILE, 3 + static_cast<rlim_t>(failures));
+            try {
+                EventLoop narrow;
+                const auto tick = narrow.every(60s, [] {});
+                const auto delay = narrow.after(45s, [] {});
+                isEnough = true;
+            } catch (const std::system_error& thrown) {
+                error = thrown.code().value();
+            }
+        }
+        EXPECT_EQ(error, isEnough ? 0 : EMFILE);
+        EXPECT_EQ(descriptors(), before);
+    }
+    // What wakes it, what it waits with, and one for each clock.
+    EXPECT_GE(failures, 4);
 }
 
 TEST_F(EventLoopTest, callsAgainAndAgainWhileSomethingIsReadable) {

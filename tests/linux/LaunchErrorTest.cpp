@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "linux/ProcessLauncher.h"
 
+#include "children/SystemLimits.h"
+#include "fakes/RefusingLoop.h"
 #include "linux/LauncherFixture.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -21,54 +19,6 @@ namespace {
 
 /// Launches that fail, of which nothing may be left.
 class LaunchError : public LauncherFixture {};
-
-/// Sets the stack size of new threads for as long as it lives.
-class ThreadStackSize final {
-public:
-    explicit ThreadStackSize(std::size_t bytes) {
-        pthread_getattr_default_np(&before_);
-        pthread_attr_t changed = before_;
-        pthread_attr_setstacksize(&changed, bytes);
-        pthread_setattr_default_np(&changed);
-    }
-
-    ~ThreadStackSize() {
-        pthread_setattr_default_np(&before_);
-        pthread_attr_destroy(&before_);
-    }
-
-    ThreadStackSize(const ThreadStackSize&) = delete;
-    ThreadStackSize& operator=(const ThreadStackSize&) = delete;
-
-private:
-    pthread_attr_t before_ = {};
-};
-
-/// A main loop without room for another watch.
-class FullLoop final : public MainLoop {
-public:
-    void post(std::function<void()>) override {}
-
-    std::chrono::milliseconds now() const override { return {}; }
-
-    std::unique_ptr<Source> after(std::chrono::milliseconds, std::function<void()>) override {
-        return nullptr;
-    }
-
-    std::unique_ptr<Source> every(std::chrono::seconds, std::function<void()>) override {
-        return nullptr;
-    }
-
-    std::unique_ptr<Source> whenReadable(int, std::function<void()>) override {
-        throw std::system_error(std::make_error_code(std::errc::no_space_on_device));
-    }
-};
-
-rlim_t addressSpaceInUse() {
-    rlim_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-}
 
 } // namespace
 
@@ -113,7 +63,7 @@ TEST_F(LaunchError, throwsWhereverDescriptorsRunOut) {
         std::error_code error;
         std::unique_ptr<ChildProcess> running;
         {
-            const LoweredLimit lowered(RLIMIT_NOFILE, limit);
+            const SystemLimit lowered(RLIMIT_NOFILE, limit);
             try {
                 running = start(child("exitsWithStatus"), {"STATUS=0"});
             } catch (const std::system_error& thrown) {
@@ -142,7 +92,7 @@ TEST_F(LaunchError, throwsWhereverThreadsCannotBeStarted) {
     for (const rlim_t room : {stackBytes / 2, stackBytes + stackBytes / 2}) {
         std::error_code error;
         {
-            const LoweredLimit lowered(RLIMIT_AS, addressSpaceInUse() + room);
+            const SystemLimit lowered(RLIMIT_AS, addressSpaceInUse() + room);
             error = launchError(child("exitsWithStatus"));
         }
         EXPECT_EQ(error.value(), EAGAIN);
@@ -153,7 +103,7 @@ TEST_F(LaunchError, throwsWhereverThreadsCannotBeStarted) {
 }
 
 TEST_F(LaunchError, killsAndCollectsAChildThatCannotBeWatched) {
-    FullLoop full;
+    RefusingLoop full(loop(), RefusingLoop::Refuses::watches);
     LinuxProcessLauncher helpless(full);
     const auto descriptors = entries("/proc/self/fd");
     try {
@@ -164,6 +114,8 @@ TEST_F(LaunchError, killsAndCollectsAChildThatCannotBeWatched) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
     }
     EXPECT_TRUE(hasNoChild());
+    // What was posted meanwhile holds the pipes.
+    loop().runPending();
     EXPECT_EQ(entries("/proc/self/fd"), descriptors);
 }
 

@@ -5,7 +5,6 @@
 #include "ports/ProcessLauncher.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <fstream>
 #include <functional>
@@ -87,26 +86,6 @@ protected:
     }
 
     Recorder recorder;
-};
-
-/// Lowers a limit of this process for as long as it lives.
-class LoweredLimit final {
-public:
-    LoweredLimit(__rlimit_resource resource, rlim_t value) : resource_(resource) {
-        getrlimit(resource_, &before_);
-        rlimit lowered = before_;
-        lowered.rlim_cur = value;
-        setrlimit(resource_, &lowered);
-    }
-
-    ~LoweredLimit() { setrlimit(resource_, &before_); }
-
-    LoweredLimit(const LoweredLimit&) = delete;
-    LoweredLimit& operator=(const LoweredLimit&) = delete;
-
-private:
-    __rlimit_resource resource_;
-    rlimit before_ = {};
 };
 
 } // namespace vorla

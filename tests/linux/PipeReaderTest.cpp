@@ -146,6 +146,23 @@ private:
     struct sigaction before_ = {};
 };
 
+/// Ends the reader first if a test gives up while a thread still writes, which would wait for ever.
+class WithoutReader final {
+public:
+    explicit WithoutReader(std::optional<PipeReader>& reader) : reader_(reader) {}
+    ~WithoutReader() {
+        if (reader_) {
+            std::signal(SIGPIPE, SIG_IGN);
+            reader_.reset();
+        }
+    }
+    WithoutReader(const WithoutReader&) = delete;
+    WithoutReader& operator=(const WithoutReader&) = delete;
+
+private:
+    std::optional<PipeReader>& reader_;
+};
+
 class PipeReaderTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -200,6 +217,7 @@ TEST_F(PipeReaderTest, handsOverAllBytesAndThenTheEnd) {
             write(writeEnd.number(), sent.data(), sent.size()), static_cast<ssize_t>(sent.size()));
         writeEnd.close();
     });
+    const WithoutReader atTheEnd(reader);
     ASSERT_TRUE(loop.runUntil([&] { return ends > 0; }));
     EXPECT_EQ(received, sent);
     EXPECT_LE(longestChunk, PipeReader::chunkBytes);
@@ -221,6 +239,7 @@ TEST_F(PipeReaderTest, holdsAWriterBackWhileTheMainThreadIsBusy) {
         }
         writeEnd.close();
     });
+    const WithoutReader atTheEnd(reader);
     // Each is taken only when as many wait as ever may, so a reader that knew no bound would have
     // all the time to go past it.
     while (received.size() < 4 * megabyte) {

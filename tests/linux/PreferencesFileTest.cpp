@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/PreferencesFile.h"
 
-#include "bus/SystemLimits.h"
+#include "children/SystemLimits.h"
 #include "linux/FileDescriptor.h"
 #include "linux/TemporaryFolder.h"
 
@@ -314,15 +314,11 @@ TEST_F(PreferencesFileTest, storesWhatFailedBeforeWithTheNextValue) {
 
 TEST_F(PreferencesFileTest, remembersWhatAFullDiskRefuses) {
     preferences.setStrings("list", {"old"});
-    rlimit before = {};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit full{.rlim_cur = 100, .rlim_max = before.rlim_max};
-    auto* const previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
     const Strings values = {std::string(5000, 'n')};
-    preferences.setStrings("list", values);
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, previousHandler);
+    {
+        const FullDisk disk(100);
+        preferences.setStrings("list", values);
+    }
     EXPECT_EQ(preferences.strings("list"), values);
     EXPECT_EQ(fresh().strings("list"), Strings{"old"});
     EXPECT_EQ(folder.count(folderName), 2);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/ProcessLauncher.h"
 
+#include "children/ReadyPipe.h"
+#include "children/SystemLimits.h"
 #include "linux/LauncherFixture.h"
 
 #include <fcntl.h>
@@ -86,8 +88,8 @@ TEST_F(ProcessLauncherTest, reportsEachExitStatus) {
 }
 
 TEST_F(ProcessLauncherTest, reportsTheBareNumberOfTheSignalThatEndedTheChild) {
-    // The child must leave no core file, however this machine is set up.
-    const LoweredLimit noCore(RLIMIT_CORE, 0);
+    // The child must leave no core file, wherever the system would put it.
+    const SystemLimit noCore(RLIMIT_CORE, 0);
     for (const int signal : {SIGHUP, SIGINT, SIGKILL, SIGTERM, SIGSEGV, SIGABRT}) {
         recorder = {};
         outputOf("diesOfSignal", {"SIGNAL=" + std::to_string(signal)});
@@ -184,6 +186,15 @@ TEST_F(ProcessLauncherTest, tellsOfAnEndThatSomebodyElseHasCollected) {
     EXPECT_EQ(recorder.statuses, std::vector<int>{-1});
 }
 
+TEST_F(ProcessLauncherTest, asksNobodyToEndOnceSomebodyElseHasCollectedTheChild) {
+    const auto running = start(child("leavesGrandchild"));
+    ASSERT_GT(waitpid(-1, nullptr, 0), 0);
+    running->terminateRest();
+    go();
+    ASSERT_TRUE(loop().runUntil([&] { return recorder.isComplete(); }));
+    EXPECT_EQ(recorder.output, "late");
+}
+
 TEST_F(ProcessLauncherTest, collectsChildrenAlsoWhenItsStarterHadSwitchedThatOff) {
     std::signal(SIGCHLD, SIG_IGN);
     const LinuxProcessLauncher fresh(loop());
@@ -192,12 +203,17 @@ TEST_F(ProcessLauncherTest, collectsChildrenAlsoWhenItsStarterHadSwitchedThatOff
 }
 
 TEST_F(ProcessLauncherTest, terminateAsksTheChildAlone) {
-    const auto running = start(child("waitsForEver"));
-    ASSERT_TRUE(loop().runUntil([&] { return recorder.output == "ready"; }));
+    const ReadyPipe ready(folder() / "ready");
+    const auto running = start(child("obeysBesideItsChild"), {ready.variable()});
+    const FileDescriptor grandchild = processHandle(ready.next());
     EXPECT_TRUE(running->isRunning());
     running->terminate();
-    ASSERT_TRUE(loop().runUntil([&] { return recorder.isComplete(); }));
+    ASSERT_TRUE(loop().runUntil([&] { return !recorder.statuses.empty(); }));
     EXPECT_EQ(recorder.statuses, std::vector<int>{SIGTERM});
+    // Whom a request to end has reached does not get as far as that.
+    go();
+    ASSERT_TRUE(runUntilEnded(grandchild));
+    EXPECT_TRUE(wentOn());
 }
 
 TEST_F(ProcessLauncherTest, killReachesTheChildAndItsOwnChildren) {

@@ -1,37 +1,50 @@
 // SPDX-License-Identifier: MIT
 #include "linux/SettingsTool.h"
 
+#include "children/NothingLeftBehind.h"
 #include "children/ReadyPipe.h"
-#include "fakes/ManualLoop.h"
-#include "linux/TemporaryFolder.h"
+#include "fakes/RefusingLoop.h"
+#include "model/ScopedVariable.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-#include <sys/wait.h>
-
-#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
 #include <system_error>
+#include <vector>
 
 namespace vorla {
 namespace {
 
 constexpr std::chrono::seconds limit{2};
 
-std::string child(const std::string& name) {
-    return VORLA_TEST_CHILDREN "/" + name;
+pid_t onlyChild() {
+    pid_t number = 0;
+    std::ifstream("/proc/thread-self/children") >> number;
+    return number;
 }
 
-class SettingsToolTest : public testing::Test {
+bool isAsleep(pid_t number) {
+    std::ifstream status("/proc/" + std::to_string(number) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("State:")) {
+            return line.find('S', line.find(':')) != std::string::npos;
+        }
+    }
+    return false;
+}
+
+class SettingsToolTest : public NothingLeftBehind {
 protected:
     void TearDown() override {
         tool.reset();
-        EXPECT_EQ(waitid(P_ALL, 0, nullptr, WEXITED | WNOHANG | WNOWAIT), -1);
-        EXPECT_EQ(errno, ECHILD);
+        NothingLeftBehind::TearDown();
     }
 
     void start(const std::vector<std::string>& command) {
-        tool.emplace(loop, command, limit, [this](const SettingsTool::Result& newResult) {
+        tool.emplace(loop(), command, limit, [this](const SettingsTool::Result& newResult) {
             ++answers;
             result = newResult;
         });
@@ -40,12 +53,11 @@ protected:
 
     void startAndFinish(const std::vector<std::string>& command) {
         start(command);
-        ASSERT_TRUE(loop.runUntil([&] { return answers > 0; }));
+        ASSERT_TRUE(loop().runUntil([&] { return answers > 0; }));
         EXPECT_EQ(answers, 1);
-        EXPECT_EQ(loop.timerCount(), 0U);
+        EXPECT_EQ(loop().timerCount(), 0U);
     }
 
-    ManualLoop loop;
     std::optional<SettingsTool> tool;
     SettingsTool::Result result;
     int answers = 0;
@@ -59,38 +71,42 @@ TEST_F(SettingsToolTest, passesOnWhatTheToolPrints) {
 }
 
 TEST_F(SettingsToolTest, givesNoOutputOfAToolThatFails) {
-    setenv("STATUS", "3", 1);
+    const ScopedVariable status("STATUS", "3");
     startAndFinish({child("exitsWithStatus")});
-    unsetenv("STATUS");
     EXPECT_EQ(result.output, std::nullopt);
     EXPECT_TRUE(result.inTime);
 }
 
 TEST_F(SettingsToolTest, givesNoOutputOfAToolThatDiesOfASignal) {
-    setenv("SIGNAL", "9", 1);
+    const ScopedVariable signal("SIGNAL", "9");
     startAndFinish({child("diesOfSignal")});
-    unsetenv("SIGNAL");
     EXPECT_EQ(result.output, std::nullopt);
 }
 
 TEST_F(SettingsToolTest, endsAToolThatTakesTooLong) {
     start({child("waitsForEver")});
-    loop.advance(limit - std::chrono::milliseconds{1});
+    loop().advance(limit - std::chrono::milliseconds{1});
     EXPECT_EQ(answers, 0);
-    loop.advance(std::chrono::milliseconds{1});
+    loop().advance(std::chrono::milliseconds{1});
     EXPECT_EQ(answers, 1);
     EXPECT_EQ(result.output, std::nullopt);
     EXPECT_FALSE(result.inTime);
-    ASSERT_TRUE(loop.runUntil([&] { return tool->hasEnded(); }));
+    ASSERT_TRUE(loop().runUntil([&] { return tool->hasEnded(); }));
     EXPECT_EQ(answers, 1);
-    EXPECT_EQ(loop.timerCount(), 0U);
+    EXPECT_EQ(loop().timerCount(), 0U);
 }
 
 TEST_F(SettingsToolTest, endsAToolThatPrintsMoreThanAPipeHolds) {
+    const ScopedVariable lines("LINES", "100000");
     start({child("floodsOutput")});
-    loop.advance(limit);
+    // Nothing but a full pipe holds it up.
+    ASSERT_TRUE(comesTrue([] { return isAsleep(onlyChild()); }));
+    loop().runPending();
+    EXPECT_EQ(answers, 0);
+    loop().advance(limit);
+    EXPECT_EQ(answers, 1);
     EXPECT_FALSE(result.inTime);
-    EXPECT_TRUE(loop.runUntil([&] { return tool->hasEnded(); }));
+    EXPECT_TRUE(loop().runUntil([&] { return tool->hasEnded(); }));
 }
 
 TEST_F(SettingsToolTest, readsNoMoreThanTheBoundOfALongAnswer) {
@@ -100,61 +116,88 @@ TEST_F(SettingsToolTest, readsNoMoreThanTheBoundOfALongAnswer) {
 }
 
 TEST_F(SettingsToolTest, isNotHeldUpByAGrandchildThatKeepsThePipeOpen) {
-    const TemporaryFolder folder;
-    folder.write("answer", "the answer");
-    std::filesystem::create_symlink(child("playsSettingsTool"), folder.at("tool"));
-    const auto go = folder.at("go");
-    ASSERT_EQ(mkfifo(go.c_str(), 0600), 0);
-    setenv("GO", go.c_str(), 1);
-    startAndFinish({folder.at("tool")});
-    unsetenv("GO");
+    std::ofstream(folder() / "answer") << "the answer";
+    std::filesystem::create_symlink(child("playsSettingsTool"), folder() / "tool");
+    const ScopedVariable variable("GO", goPath());
+    startAndFinish({folder() / "tool"});
     EXPECT_EQ(result.output, "the answer");
-    std::ofstream(go) << '1';
+    go();
 }
 
 TEST_F(SettingsToolTest, isNotHeldUpByAToolWhoseEndSomebodyElseHoldsBack) {
-    const TemporaryFolder folder;
-    const ReadyPipe ready(folder.at("ready"));
-    const auto go = folder.at("go");
-    ASSERT_EQ(mkfifo(go.c_str(), 0600), 0);
-    setenv("GO", go.c_str(), 1);
-    setenv("READY", folder.at("ready").c_str(), 1);
+    const ReadyPipe ready(folder() / "ready");
+    const ScopedVariable goPlace("GO", goPath());
+    const ScopedVariable readyPlace("READY", folder() / "ready");
     start({child("endsWhileTraced")});
     ready.next();
-    unsetenv("GO");
-    unsetenv("READY");
     // Whoever waited here for the tool would never return.
-    loop.runPending();
+    loop().runPending();
     EXPECT_EQ(answers, 0);
-    std::ofstream(go) << '1';
-    ASSERT_EQ(waitid(P_ALL, 0, nullptr, WEXITED | WNOWAIT), 0);
-    loop.advance(std::chrono::seconds{1});
-    ASSERT_TRUE(loop.runUntil([&] { return answers > 0; }));
+    go();
+    waitUntilCollectable();
+    loop().advance(std::chrono::seconds{1});
+    ASSERT_TRUE(loop().runUntil([&] { return answers > 0; }));
     EXPECT_EQ(result.output, std::nullopt);
     EXPECT_TRUE(result.inTime);
 }
 
+TEST_F(SettingsToolTest, killsWithAToolWhatItHasStarted) {
+    const ReadyPipe ready(folder() / "ready");
+    const ScopedVariable place("READY", folder() / "ready");
+    const ScopedVariable withChild("WITH_CHILD", "1");
+    for (const bool isDestroyed : {false, true}) {
+        start({child("ignoresRequests")});
+        const FileDescriptor one = processHandle(ready.next());
+        const FileDescriptor other = processHandle(ready.next());
+        if (isDestroyed) {
+            tool.reset();
+        } else {
+            loop().advance(limit);
+            ASSERT_TRUE(loop().runUntil([&] { return tool->hasEnded(); }));
+        }
+        EXPECT_TRUE(runUntilEnded(one));
+        EXPECT_TRUE(runUntilEnded(other));
+        answers = 0;
+    }
+}
+
+TEST_F(SettingsToolTest, leavesNothingOfAToolWhoseEndOrLimitCannotBeWatched) {
+    const auto descriptors = entries("/proc/self/fd");
+    for (const auto refused : {RefusingLoop::Refuses::timers, RefusingLoop::Refuses::watches}) {
+        RefusingLoop full(loop(), refused);
+        EXPECT_THROW(
+            tool.emplace(
+                full, std::vector<std::string>{child("waitsForEver")}, limit,
+                [this](const SettingsTool::Result&) { ++answers; }),
+            std::system_error);
+        EXPECT_TRUE(hasNoChild());
+        EXPECT_EQ(entries("/proc/self/fd"), descriptors);
+        EXPECT_EQ(loop().timerCount(), 0U);
+    }
+    EXPECT_EQ(answers, 0);
+}
+
 TEST_F(SettingsToolTest, saysThatAToolCannotBeStarted) {
     EXPECT_THROW(start({"/nonexistent/tool"}), std::system_error);
-    EXPECT_EQ(loop.timerCount(), 0U);
+    EXPECT_EQ(loop().timerCount(), 0U);
 }
 
 TEST_F(SettingsToolTest, tellsNothingOnceItHasBeenDestroyed) {
     start({child("printsArguments")});
     tool.reset();
-    loop.advance(limit);
-    loop.runPending();
+    loop().advance(limit);
+    loop().runPending();
     EXPECT_EQ(answers, 0);
 }
 
 TEST_F(SettingsToolTest, mayBeDestroyedByTheOneWhoIsTold) {
     tool.emplace(
-        loop, std::vector<std::string>{child("printsArguments")}, limit,
+        loop(), std::vector<std::string>{child("printsArguments")}, limit,
         [this](const SettingsTool::Result&) {
             ++answers;
             tool.reset();
         });
-    ASSERT_TRUE(loop.runUntil([&] { return answers > 0; }));
+    ASSERT_TRUE(loop().runUntil([&] { return answers > 0; }));
     EXPECT_EQ(answers, 1);
 }
 

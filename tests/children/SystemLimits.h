@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
 #include <fstream>
 
@@ -28,6 +29,19 @@ public:
 private:
     __rlimit_resource resource_;
     rlimit before_ = {};
+};
+
+/// A disk that is full after so many bytes of a file, for as long as it lives.
+class FullDisk final {
+public:
+    explicit FullDisk(rlim_t bytes) : limit_(RLIMIT_FSIZE, bytes) {}
+    ~FullDisk() { std::signal(SIGXFSZ, signalBefore_); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    void (*signalBefore_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    SystemLimit limit_;
 };
 
 /// Sets the stack size of new threads for as long as it lives.
