@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "linux/FennicProgram.h"
 
+#include "children/SystemLimits.h"
+#include "fakes/RefusingLoop.h"
 #include "linux/FennicProgramFixture.h"
 #include "linux/Folders.h"
-#include "linux/LauncherFixture.h"
 #include "linux/Pipe.h"
 
 #include <fcntl.h>
@@ -19,37 +20,6 @@
 namespace vorla {
 
 namespace {
-
-/// A main loop with room for a number of further watches.
-class NarrowLoop final : public MainLoop {
-public:
-    NarrowLoop(MainLoop& loop, int room) : loop_(loop), room_(room) {}
-
-    void post(std::function<void()> work) override { loop_.post(std::move(work)); }
-
-    std::chrono::milliseconds now() const override { return loop_.now(); }
-
-    std::unique_ptr<Source>
-    after(std::chrono::milliseconds delay, std::function<void()> work) override {
-        return loop_.after(delay, std::move(work));
-    }
-
-    std::unique_ptr<Source>
-    every(std::chrono::seconds interval, std::function<void()> work) override {
-        return loop_.every(interval, std::move(work));
-    }
-
-    std::unique_ptr<Source> whenReadable(int descriptor, std::function<void()> work) override {
-        if (room_-- <= 0) {
-            throw std::system_error(std::make_error_code(std::errc::no_space_on_device));
-        }
-        return loop_.whenReadable(descriptor, std::move(work));
-    }
-
-private:
-    MainLoop& loop_;
-    int room_;
-};
 
 /// While it lives, this thread has no right to more pipes than other users, and holds so many that
 /// new ones are small.
@@ -89,6 +59,9 @@ private:
 /// Openings that fail, of which nothing may be left, and where the program is looked for.
 class FennicProgramError : public FennicProgramFixture {};
 
+/// Runs while no other test does: it uses up what all programs of the user share.
+class FennicProgramErrorAlone : public FennicProgramError {};
+
 } // namespace
 
 TEST_F(FennicProgramError, refusesAnOpeningThatCannotBeEncoded) {
@@ -98,7 +71,7 @@ TEST_F(FennicProgramError, refusesAnOpeningThatCannotBeEncoded) {
     EXPECT_EQ(openingError({.quota = {.weeklySecondsToReset = infinite}}), std::errc::message_size);
 }
 
-TEST_F(FennicProgramError, throwsWhereAPipeIsTooSmallForTheOpening) {
+TEST_F(FennicProgramErrorAlone, throwsWhereAPipeIsTooSmallForTheOpening) {
     use({child("recordsItsStart")});
     const UsedUpPipes pipes;
     ASSERT_TRUE(pipes.isSmall());
@@ -137,7 +110,7 @@ TEST_F(FennicProgramError, throwsWhereverDescriptorsRunOut) {
     for (rlim_t limit = 3; limit < 200 && window == nullptr; ++limit) {
         std::error_code error;
         {
-            const LoweredLimit lowered(RLIMIT_NOFILE, limit);
+            const SystemLimit lowered(RLIMIT_NOFILE, limit);
             try {
                 open();
             } catch (const std::system_error& thrown) {
@@ -159,7 +132,7 @@ TEST_F(FennicProgramError, throwsWhereverDescriptorsRunOut) {
 
 TEST_F(FennicProgramError, killsAndCollectsAProgramThatCannotBeWatched) {
     for (const int room : {0, 1}) {
-        NarrowLoop narrow(loop(), room);
+        RefusingLoop narrow(loop(), RefusingLoop::Refuses::watches, room);
         FennicProgramLauncher helpless(narrow, environment(), {child("waitsForEver")});
         try {
             window = helpless.open(usualOpening(), [this] { ++closings; });

@@ -28,7 +28,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -227,8 +226,7 @@ private:
 /// Whether nothing has grown, apart from what the allocator holds more at one moment than at
 /// another.
 bool isFlat(const Holdings& early, const Holdings& late) {
-    // Sanitizers keep what they know of each thread that ever was.
-    constexpr long long tolerable = VORLA_IS_SANITIZED ? std::numeric_limits<int>::max() : 256;
+    constexpr long long tolerable = 256;
     return late.rssKibibytes <= early.rssKibibytes + tolerable &&
            late.privateDirtyKibibytes <= early.privateDirtyKibibytes + tolerable &&
            late.descriptors == early.descriptors && late.threads == early.threads &&
