@@ -12,6 +12,7 @@
 #include "fakes/FakeNotificationCentre.h"
 #include "fakes/FakePreferences.h"
 #include "fakes/FakeStatusItem.h"
+#include "model/FileContent.h"
 
 #include <fstream>
 #include <memory>
@@ -129,10 +130,7 @@ protected:
     }
 
     /// What the good companion prints.
-    static std::string goodDocument() {
-        std::ifstream file(VORLA_TEST_DATA "/snapshots/full.json", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    static std::string goodDocument() { return contentOf(VORLA_TEST_DATA "/snapshots/full.json"); }
 
     bool isRefreshing() const {
         const auto line = item.line(LineRole::refresh);
@@ -192,6 +190,7 @@ protected:
     }
 
     AppDelegate& delegate() { return *delegate_; }
+    const FakeClipboard& clipboard() const { return clipboard_; }
     void destroyApplication() { delegate_.reset(); }
 
     FakeStatusItem item;
