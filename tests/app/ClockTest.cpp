@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 using namespace std::chrono_literals;
 
@@ -28,11 +29,14 @@ protected:
         return item.last();
     }
 
-    /// A snapshot that was fetched at this time.
-    static std::string snapshotOf(double time) {
+    std::string pace() const { return item.text(LineRole::fiveHourPace); }
+
+    /// A snapshot that was fetched at this time, with so much left for five hours.
+    static std::string snapshotOf(double time, int left = 87) {
         return R"({"schemaVersion":1,"fetchedAt":)" + std::to_string(time) +
-               R"(,"windows":[{"name":"5h","usedPercent":13,"remainingPercent":87,)"
-               R"("windowDurationMins":300,"resetsAt":1763001000},)"
+               R"(,"windows":[{"name":"5h","usedPercent":)" + std::to_string(100 - left) +
+               R"(,"remainingPercent":)" + std::to_string(left) +
+               R"(,"windowDurationMins":300,"resetsAt":1763001000},)"
                R"({"name":"W","usedPercent":38,"remainingPercent":62,)"
                R"("windowDurationMins":10080,"resetsAt":1763301000}]})";
     }
@@ -61,16 +65,26 @@ TEST_F(ClockTest, mayBeSetToAnyTimeAndBack) {
 }
 
 TEST_F(ClockTest, takesSnapshotsOfAnyTimeOneAfterTheOther) {
-    const double before = clock.time;
-    for (const double time : {before, before + 400 * dayInSeconds, 0.0, before - 60, before}) {
+    const double start = clock.time;
+    const double later = start + 400 * dayInSeconds;
+    const double earlier = start - 400 * dayInSeconds;
+    // Enough for a pace, if each jump back did not begin anew.
+    const std::vector<double> times = {start,       later, later + 300, earlier, start,
+                                       start + 300, 0,     300,         600};
+    int left = 90;
+    for (const double time : times) {
         clock.time = time;
         loop.advance(60s);
-        finishRun(snapshotOf(time));
-        EXPECT_EQ(opened().title, figures) << time;
+        finishRun(snapshotOf(time, --left));
+        EXPECT_EQ(opened().title, "5h " + std::to_string(left) + "% · W 62%") << time;
         EXPECT_EQ(errorLine(), "") << time;
-        // No pace is made of a time that went backwards, or of one sample.
-        EXPECT_EQ(item.text(LineRole::fiveHourPace).find("%/hr"), std::string::npos) << time;
+        EXPECT_EQ(pace().find("%/hr"), std::string::npos) << time;
     }
+    // The fourth in a row without one.
+    clock.time = 900;
+    loop.advance(60s);
+    finishRun(snapshotOf(900, --left));
+    EXPECT_NE(pace().find("%/hr"), std::string::npos) << pace();
 }
 
 TEST_F(ClockTest, showsFreshFiguresOnWakingAfterASleepDuringARun) {
@@ -78,16 +92,31 @@ TEST_F(ClockTest, showsFreshFiguresOnWakingAfterASleepDuringARun) {
     const auto runs = launcher.children.size();
     // The machine sleeps for a day: the limit of the run stands still, the clock does not.
     clock.time += dayInSeconds;
+    loop.sleep(24h);
     EXPECT_EQ(opened().title, figures);
+    // What fell due meanwhile is the business of the run that is still going on.
+    EXPECT_EQ(launcher.children.size(), runs);
     loop.advance(44s);
+    EXPECT_TRUE(launcher.last().signals.empty());
     finishRun(snapshotOf(clock.time));
     EXPECT_EQ(errorLine(), "");
     EXPECT_EQ(item.last().title, figures);
-    // What was missed is made up for by one refresh.
-    loop.advance(60s);
+    loop.advance(16s);
     EXPECT_EQ(launcher.children.size(), runs + 1);
-    finishRun(snapshotOf(clock.time + 60));
+}
+
+TEST_F(ClockTest, makesUpWithOneRefreshForAllThatASleepHasMissed) {
+    loop.advance(30s);
+    const auto runs = launcher.children.size();
+    clock.time += dayInSeconds;
+    loop.sleep(24h);
+    ASSERT_EQ(launcher.children.size(), runs + 1);
+    finishRun(snapshotOf(clock.time));
     EXPECT_EQ(errorLine(), "");
+    loop.advance(29s);
+    EXPECT_EQ(launcher.children.size(), runs + 1);
+    loop.advance(1s);
+    EXPECT_EQ(launcher.children.size(), runs + 2);
 }
 
 TEST_F(ClockTest, quitsInTimeThoughTheClockIsSetMeanwhile) {

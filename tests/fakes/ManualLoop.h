@@ -51,6 +51,23 @@ public:
         now_ = end;
     }
 
+    /// Lets the machine sleep: of all clocks only that of every() goes on. What falls due meanwhile
+    /// is caught up on with one call, and the next follows on the old grid.
+    void sleep(std::chrono::milliseconds duration) {
+        for (const auto& kept : std::vector(timers_)) {
+            const auto timer = kept.lock();
+            if (timer == nullptr || timer->done || timer->interval.count() == 0) {
+                continue;
+            }
+            timer->due -= duration;
+            if (timer->due <= now_) {
+                timer->due += ((now_ - timer->due) / timer->interval + 1) * timer->interval;
+                const auto work = timer->work;
+                work();
+            }
+        }
+    }
+
     /// Handles real events until `condition` holds; false if it does not within the limit, which is
     /// so generous that only a mistake reaches it.
     bool runUntil(
