@@ -1,25 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "model/Json.h"
 
+#include "linux/TemporaryFolder.h"
+#include "model/Repeated.h"
+#include "model/ScopedVariable.h"
+
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <cmath>
+#include <cstdlib>
 
 namespace vorla {
 
 namespace {
 
 using namespace std::string_literals;
-
-std::string repeated(std::string_view text, std::size_t count) {
-    std::string result;
-    result.reserve(text.size() * count);
-    for (std::size_t index = 0; index < count; ++index) {
-        result += text;
-    }
-    return result;
-}
 
 std::string nestedArrays(std::size_t depth) {
     return std::string(depth, '[') + std::string(depth, ']');
@@ -43,6 +39,27 @@ template <typename Content>
 Content parsed(std::string_view bytes) {
     return std::get<Content>(parseJson(bytes).content);
 }
+
+/// A decimal comma for as long as it lives, in a locale of its own: who knows which are installed.
+class DecimalComma final {
+public:
+    DecimalComma() {
+        const std::string command =
+            "localedef --no-archive -i de_DE -f UTF-8 " + folder_.at("comma");
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        EXPECT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr);
+    }
+
+    ~DecimalComma() { std::setlocale(LC_NUMERIC, before_.c_str()); }
+
+    DecimalComma(const DecimalComma&) = delete;
+    DecimalComma& operator=(const DecimalComma&) = delete;
+
+private:
+    std::string before_ = std::setlocale(LC_NUMERIC, nullptr);
+    TemporaryFolder folder_;
+    ScopedVariable place_{"LOCPATH", folder_.path()};
+};
 
 } // namespace
 
@@ -199,15 +216,12 @@ TEST(Json, keepsTheSourceTextOfNumbers) {
 }
 
 TEST(Json, keepsNumbersWhateverTheDecimalPointOfTheProcess) {
-    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
-    // Whichever of them the machine has; where there is none, this is the plain case.
-    for (const char* name : {"C", "de_DE.UTF-8", "fr_FR.UTF-8", "nl_NL.UTF-8", "pt_BR.UTF-8"}) {
-        std::setlocale(LC_NUMERIC, name);
-        const auto number = parsed<JsonNumber>("-12.50e1");
-        EXPECT_EQ(number.text, "-12.50e1") << name;
-        EXPECT_EQ(number.decimal(), -125.0) << name;
-    }
-    std::setlocale(LC_NUMERIC, before.c_str());
+    const DecimalComma comma;
+    ASSERT_STREQ(localeconv()->decimal_point, ",");
+    const auto number = parsed<JsonNumber>("-12.50e1");
+    EXPECT_EQ(number.text, "-12.50e1");
+    EXPECT_EQ(number.decimal(), -125.0);
+    EXPECT_TRUE(isRefused("-12,50e1"));
 }
 
 TEST(Json, refusesMisspeltNumbers) {
