@@ -223,6 +223,28 @@ TEST_F(NotificationSettings, askEachServiceForItsNameOnlyOnce) {
     EXPECT_EQ(service->callsOf("GetServerInformation"), 1);
 }
 
+TEST_F(NotificationSettings, areNotThoseOfAnEarlierServiceThatSaysLateWhoseItIs) {
+    std::optional<bus::Message> call;
+    startService().answers["GetServerInformation"] = [&](sd_bus_message* message) {
+        call = bus::Message::sharing(message);
+        return 0;
+    };
+    makeCentre();
+    bool answered = false;
+    centre->getSettings([&](AuthorizationStatus) { answered = true; });
+    ASSERT_TRUE(loop.runUntil([&] { return call.has_value(); }));
+    ASSERT_GE(sd_bus_release_name(service->bus().native(), "org.freedesktop.Notifications"), 0);
+    ScriptedNotificationService next(loop, daemon.address());
+    ASSERT_TRUE(next.appear());
+    catchUp();
+    bus::checked(
+        sd_bus_reply_method_return(call->native(), "ssss", "Plasma", "vendor", "1", "1.2"),
+        "reply");
+    ASSERT_TRUE(loop.runUntil([&] { return answered; }));
+    EXPECT_EQ(status(), AuthorizationStatus::authorized);
+    EXPECT_EQ(next.callsOf("GetServerInformation"), 1);
+}
+
 TEST_F(NotificationSettings, followPlasmasFileWherePlasmaShowsThem) {
     startService().answers["GetServerInformation"] =
         ScriptedNotificationService::serverNamed("Plasma");

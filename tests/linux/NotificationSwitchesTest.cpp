@@ -3,6 +3,7 @@
 
 #include "fakes/ManualLoop.h"
 #include "linux/TemporaryFolder.h"
+#include "model/ScopedVariable.h"
 
 #include <gtest/gtest.h>
 
@@ -168,6 +169,9 @@ TEST_F(GnomeSwitchTest, doesNotWaitLongForTheToolButTriesAgain) {
     EXPECT_EQ(answers, 1);
     EXPECT_EQ(delivery, NotificationDelivery::shown);
     EXPECT_EQ(loop.timerCount(), 0U);
+    // Not before the first run has died.
+    EXPECT_EQ(ask(), NotificationDelivery::shown);
+    EXPECT_EQ(runs(), 1);
     std::filesystem::remove(hang);
     EXPECT_TRUE(loop.runUntil([&] { return ask() == NotificationDelivery::off; }));
 }
@@ -191,16 +195,6 @@ TEST_F(GnomeSwitchTest, answersNoMoreOnceDestroyed) {
 /// write.
 class RealGnomeSwitchTest : public testing::Test {
 protected:
-    void SetUp() override {
-        setenv("GSETTINGS_BACKEND", "keyfile", 1);
-        setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
-    }
-
-    void TearDown() override {
-        unsetenv("GSETTINGS_BACKEND");
-        unsetenv("XDG_CONFIG_HOME");
-    }
-
     NotificationDelivery askAnew() {
         GnomeNotificationSwitch gnome(loop, NotificationSettingsPlaces::ofThisProcess());
         std::optional<NotificationDelivery> delivery;
@@ -215,6 +209,8 @@ protected:
     }
 
     TemporaryFolder folder;
+    ScopedVariable backend{"GSETTINGS_BACKEND", "keyfile"};
+    ScopedVariable configuration{"XDG_CONFIG_HOME", folder.path()};
     ManualLoop loop;
 };
 
