@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The program itself where files are not what they should be.
+#include "app/AppDelegate.h"
 #include "bus/ProgramOnBus.h"
+#include "linux/PreferencesFile.h"
 
 #include <gtest/gtest.h>
 
@@ -37,6 +39,7 @@ protected:
         std::function<void(const std::string& path)> make = {};
         /// Why it cannot be replaced.
         int error = 0;
+        std::filesystem::file_type type = std::filesystem::file_type::regular;
     };
 
     static std::vector<Broken> brokenFiles() {
@@ -48,21 +51,34 @@ protected:
             {.content = "\xFF\xFE\xFD"},
             {.content = std::string(2'000'000, '[')},
             {.make = [](const std::string& path) { std::filesystem::create_directory(path); },
-             .error = EISDIR},
+             .error = EISDIR,
+             .type = std::filesystem::file_type::directory},
             {.make = [](const std::string& path) { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); },
-             .error = EINVAL},
+             .error = EINVAL,
+             .type = std::filesystem::file_type::fifo},
             {.make = [](const std::string& path) { std::filesystem::create_symlink(path, path); },
-             .error = ELOOP},
+             .error = ELOOP,
+             .type = std::filesystem::file_type::symlink},
             {.make =
                  [](const std::string& path) {
                      std::filesystem::create_symlink("/dev/zero", path);
                  },
-             .error = EINVAL},
+             .error = EINVAL,
+             .type = std::filesystem::file_type::symlink},
         };
+    }
+
+    /// What cannot be replaced is still what it was.
+    static void expectUntouched(const Broken& broken, const std::string& path) {
+        EXPECT_EQ(std::filesystem::symlink_status(path).type(), broken.type) << path;
+        EXPECT_EQ(
+            std::filesystem::symlink_status("/dev/zero").type(),
+            std::filesystem::file_type::character);
     }
 
     static void put(const Broken& broken, const std::string& path) {
         std::filesystem::remove_all(path);
+        std::filesystem::remove(path + ".corrupt");
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         if (broken.make) {
             broken.make(path);
@@ -75,8 +91,14 @@ protected:
 } // namespace
 
 TEST_F(ProgramFilesTest, saysWhatAFullDiskRefusesAndGoesOn) {
-    startNotificationService();
-    auto& program = startWithFigures();
+    const auto& service = startNotificationService();
+    // Proposes no notification yet.
+    const auto snapshot = home() + "/snapshot.json";
+    auto document = contentOf(VORLA_TEST_DATA "/snapshots/full.json");
+    const std::string events = R"("notificationEvents")";
+    document.replace(document.find(events), events.size(), R"("otherEvents")");
+    std::ofstream(snapshot) << document;
+    auto& program = startWithFigures({"SNAPSHOT=" + snapshot});
     limit(program, RLIMIT_FSIZE, 0);
     choose(LineRole::launchAtLogin);
     EXPECT_TRUE(runUntilText(LineRole::loginItemError, loginItemFailure(EFBIG)));
@@ -90,10 +112,13 @@ TEST_F(ProgramFilesTest, saysWhatAFullDiskRefusesAndGoesOn) {
     choose(LineRole::launchAtLogin);
     EXPECT_TRUE(runUntilChecked(LineRole::launchAtLogin));
     EXPECT_EQ(text(LineRole::loginItemError), "");
-    // Another one keeps what the disk refused before, too.
-    choose(LineRole::quotaNotifications);
-    EXPECT_TRUE(loop().runUntil([this] { return !isChecked(LineRole::quotaNotifications); }));
-    EXPECT_TRUE(std::filesystem::exists(preferencesFile()));
+    EXPECT_FALSE(std::filesystem::exists(preferencesFile()));
+    // What the disk refused is stored with the next change of something else.
+    std::ofstream(snapshot) << contentOf(VORLA_TEST_DATA "/snapshots/full.json");
+    choose(LineRole::refresh);
+    EXPECT_TRUE(loop().runUntil([&] { return service.notifications.size() == 2; }));
+    EXPECT_TRUE(loop().runUntil([this] { return std::filesystem::exists(preferencesFile()); }));
+    EXPECT_TRUE(PreferencesFile(home() + "/.config").boolean(AppDelegate::notificationsEnabledKey));
     endsAtRequest(program);
 }
 
@@ -116,8 +141,9 @@ TEST_F(ProgramFilesTest, goesOnInAHomeInWhichNothingCanBeWritten) {
 TEST_F(ProgramFilesTest, keepsItsFilesInTheConfigurationFolderWithoutAHome) {
     const auto settings = home() + "/settings";
     startNotificationService();
-    for (const std::string variable : {"HOME=", "HOME=relative"}) {
+    for (const std::string variable : {"HOME=", "HOME=relative", ""}) {
         std::filesystem::remove_all(settings);
+        hasHome = !variable.empty();
         auto& program = startWithFigures({variable, "XDG_CONFIG_HOME=" + settings});
         choose(LineRole::launchAtLogin);
         EXPECT_TRUE(runUntilChecked(LineRole::launchAtLogin)) << variable;
@@ -141,6 +167,9 @@ TEST_F(ProgramFilesTest, startsAnewWithBrokenPreferencesAndKeepsThem) {
         if (broken.error == 0) {
             EXPECT_EQ(contentOf(preferencesFile() + ".corrupt"), broken.content);
             EXPECT_EQ(contentOf(preferencesFile()).substr(0, 2), "{\n");
+        } else {
+            expectUntouched(broken, preferencesFile());
+            EXPECT_FALSE(std::filesystem::exists(preferencesFile() + ".corrupt"));
         }
         endsAtRequest(program);
     }
@@ -156,6 +185,7 @@ TEST_F(ProgramFilesTest, replacesABrokenLoginEntryWhenTheUserChoosesSo) {
             EXPECT_TRUE(runUntilChecked(LineRole::launchAtLogin));
         } else {
             EXPECT_TRUE(runUntilText(LineRole::loginItemError, loginItemFailure(broken.error)));
+            expectUntouched(broken, loginEntry());
         }
         endsAtRequest(program);
     }

@@ -5,6 +5,7 @@
 #include "bus/ScriptedPanel.h"
 #include "children/NothingLeftBehind.h"
 #include "children/ReadyPipe.h"
+#include "model/FileContent.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -14,8 +15,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <list>
 #include <optional>
 #include <string>
@@ -26,11 +25,6 @@
 namespace vorla {
 
 using Texts = std::vector<std::string>;
-
-inline std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 inline std::vector<char*> pointersTo(Texts& texts) {
     std::vector<char*> pointers;
@@ -127,10 +121,12 @@ protected:
     /// the files of whoever runs the test.
     Program& start(const Texts& arguments, Texts variables) {
         const auto empty = (folder() / "empty").string();
+        if (hasHome) {
+            variables.push_back("HOME=" + home());
+        }
         variables.insert(
-            variables.end(),
-            {"HOME=" + home(), "XDG_CONFIG_DIRS=" + empty, "PATH=" + empty, ready_->variable(),
-             "SNAPSHOT=" VORLA_TEST_DATA "/snapshots/full.json"});
+            variables.end(), {"XDG_CONFIG_DIRS=" + empty, "PATH=" + empty, ready_->variable(),
+                              "SNAPSHOT=" VORLA_TEST_DATA "/snapshots/full.json"});
         const auto files = (folder() / std::to_string(programs_.size())).string();
         return programs_.emplace_back(executable, files, arguments, std::move(variables));
     }
@@ -181,6 +177,9 @@ protected:
 
     /// The number of the process that says next that it is ready.
     pid_t nextReady() const { return ready_->next(); }
+
+    /// Whether the next start() is told of one.
+    bool hasHome = true;
 
     /// What the next start() starts.
     std::string executable = VORLA_PROGRAM;

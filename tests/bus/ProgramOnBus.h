@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace vorla {
 
@@ -68,21 +69,20 @@ protected:
     }
 
     /// What the line says by now; empty if it cannot be seen.
-    std::string text(LineRole role) {
-        const auto properties = propertiesOf(role);
-        const auto label = properties.find("label");
-        const bool isSeen = !properties.contains("visible") && label != properties.end();
-        return isSeen ? std::get<std::string>(label->second) : "";
-    }
+    std::string text(LineRole role) { return textAmong(panel_->lines(), role); }
 
     bool isChecked(LineRole role) {
-        const auto properties = propertiesOf(role);
+        const auto properties = propertiesOf(role, panel_->lines());
         const auto state = properties.find("toggle-state");
         return state != properties.end() && state->second == bus::Variant(std::int32_t{1});
     }
 
+    /// The program may still be about to start.
     bool runUntilText(LineRole role, const std::string& expected) {
-        return loop().runUntil([&] { return text(role) == expected; });
+        return loop().runUntil([&] {
+            const auto lines = panel_->linesIfAny();
+            return lines && textAmong(*lines, role) == expected;
+        });
     }
 
     bool runUntilChecked(LineRole role) {
@@ -129,13 +129,22 @@ protected:
 private:
     std::string companion() const { return folder() / "vorla-usage"; }
 
-    bus::Dictionary propertiesOf(LineRole role) {
-        for (const auto& [id, properties, children] : panel_->lines()) {
+    using Lines = std::vector<ScriptedPanel::Leaf>;
+
+    static bus::Dictionary propertiesOf(LineRole role, const Lines& lines) {
+        for (const auto& [id, properties, children] : lines) {
             if (id == lineId({.role = role})) {
                 return properties;
             }
         }
         return {};
+    }
+
+    static std::string textAmong(const Lines& lines, LineRole role) {
+        const auto properties = propertiesOf(role, lines);
+        const auto label = properties.find("label");
+        const bool isSeen = !properties.contains("visible") && label != properties.end();
+        return isSeen ? std::get<std::string>(label->second) : "";
     }
 
     std::optional<PrivateBus> bus_;

@@ -5,6 +5,8 @@
 #include "linux/PublishedMenu.h"
 #include "linux/bus/Interface.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -96,17 +98,25 @@ public:
         return property<Value>(itemPath, itemInterface, name);
     }
 
-    /// The layout with all properties, after all signals sent before it have come in.
-    std::vector<Leaf> lines() {
+    /// The lines with all properties, after all signals sent before them have come in; nothing if
+    /// the application does not answer.
+    std::optional<std::vector<Leaf>> linesIfAny() {
         const auto reply = callMenu<std::uint32_t, Layout>(
             "GetLayout", std::int32_t{0}, std::int32_t{-1}, Names{});
+        if (!reply.results) {
+            return std::nullopt;
+        }
         std::vector<Leaf> result;
-        if (reply.results) {
-            for (const auto& child : std::get<2>(std::get<1>(*reply.results))) {
-                result.push_back(child.value);
-            }
+        for (const auto& child : std::get<2>(std::get<1>(*reply.results))) {
+            result.push_back(child.value);
         }
         return result;
+    }
+
+    std::vector<Leaf> lines() {
+        auto result = linesIfAny();
+        EXPECT_TRUE(result) << "no layout";
+        return std::move(result).value_or(std::vector<Leaf>{});
     }
 
     bool sendEvent(std::int32_t id, const std::string& kind) {
@@ -116,6 +126,7 @@ public:
 
     bool aboutToShow(std::int32_t id = 0) {
         const auto reply = callMenu<bool>("AboutToShow", id);
+        EXPECT_TRUE(reply.results) << reply.error.name;
         return reply.results && std::get<0>(*reply.results);
     }
 

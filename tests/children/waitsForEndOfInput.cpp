@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include <unistd.h>
+// Ends when its standard input does. If READY is set, it says that it is ready first.
+#include "Ready.h"
 
-/// Ends when its standard input does.
 int main() {
+    if (std::getenv("READY") != nullptr) {
+        sayReady();
+    }
     char byte = 0;
     while (read(STDIN_FILENO, &byte, 1) > 0) {}
 }
