@@ -46,6 +46,7 @@ TEST_F(DashboardTest, opensTheRecordedAddressOnALaterChoice) {
     EXPECT_EQ(addressOpener.lastToken, "token");
     open();
     EXPECT_EQ(addressOpener.addresses.size(), 2U);
+    EXPECT_EQ(addressOpener.lastToken, std::nullopt);
     EXPECT_EQ(launcher.children.size(), 2U);
 }
 

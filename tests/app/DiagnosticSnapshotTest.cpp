@@ -178,6 +178,13 @@ TEST_F(DiagnosticSnapshotTest, aRefreshLeavesTheOutcomeInView) {
     EXPECT_EQ(status(), "Diagnostic snapshot failed (7).");
 }
 
+TEST_F(DiagnosticSnapshotTest, isNotBegunOnceQuitting) {
+    choose(LineRole::quit);
+    const auto runs = launcher.children.size();
+    item.listener->chosen(MenuAction::copyDiagnosticSnapshot);
+    EXPECT_EQ(launcher.children.size(), runs);
+}
+
 TEST_F(DiagnosticSnapshotTest, aLateCompletionChangesNothingOnceQuitting) {
     copy();
     choose(LineRole::quit);

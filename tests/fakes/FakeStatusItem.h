@@ -6,6 +6,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vorla {
@@ -21,7 +22,9 @@ public:
         }
         shown.push_back(menu);
     }
-    std::optional<std::string> takeActivationToken() override { return std::move(token); }
+    std::optional<std::string> takeActivationToken() override {
+        return std::exchange(token, std::nullopt);
+    }
 
     const StatusMenu& last() const { return shown.back(); }
 

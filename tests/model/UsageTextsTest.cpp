@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <csignal>
 #include <limits>
 
 namespace vorla {
@@ -263,14 +264,18 @@ TEST(PressureDistance, doesNotMatterWhereNoTextIsMadeOfIt) {
 }
 
 TEST(PressureDistanceDeathTest, endsTheProgramWhenItCannotBePrinted) {
-    EXPECT_DEATH(openCheck(twoToThe63, "ahead").summary(), "");
-    EXPECT_DEATH(openCheck(-twoToThe63, "behind").summary(), "");
-    EXPECT_DEATH(blockedCheck(secondaryOf(1e300, "ahead")).summary(), "");
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(openCheck(twoToThe63, "ahead").summary(), testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EXIT(openCheck(-twoToThe63, "behind").summary(), testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EXIT(
+        blockedCheck(secondaryOf(1e300, "ahead")).summary(), testing::KilledBySignal(SIGABRT), "");
 }
 
 TEST(PressureDistanceDeathTest, endsTheProgramEvenForAWindowOnTrack) {
-    EXPECT_DEATH(openCheck(twoToThe63, "on_track").summary(), "");
-    EXPECT_DEATH(blockedCheck(secondaryOf(twoToThe63, "")).summary(), "");
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(openCheck(twoToThe63, "on_track").summary(), testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EXIT(
+        blockedCheck(secondaryOf(twoToThe63, "")).summary(), testing::KilledBySignal(SIGABRT), "");
 }
 
 } // namespace vorla
