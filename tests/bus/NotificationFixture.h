@@ -21,7 +21,7 @@ protected:
 
     static constexpr std::chrono::seconds generousLimit{25};
     /// For services that hang: short, but long enough for the bus itself on a busy machine.
-    static constexpr std::chrono::seconds shortLimit{1};
+    static constexpr std::chrono::seconds shortLimit{3};
 
     void makeCentre(std::chrono::milliseconds limit = generousLimit) {
         centre.emplace(
