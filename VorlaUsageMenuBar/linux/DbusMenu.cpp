@@ -14,10 +14,22 @@ constexpr std::int32_t root = 0;
 constexpr std::chrono::seconds longestOpening{10};
 /// A panel sends a few at most; each opening of the root takes a whole new menu.
 constexpr std::size_t maximumGroupedEvents = 100;
+/// A line has seven properties; each name is looked for in those of all lines.
+constexpr std::size_t maximumPropertyNames = 100;
 
 const bus::Dictionary& rootProperties() {
     static const bus::Dictionary properties = {{"children-display", "submenu"}};
     return properties;
+}
+
+[[noreturn]] void refuse(const char* what) {
+    throw std::system_error(EINVAL, std::generic_category(), what);
+}
+
+void refuseTooMany(const std::vector<std::string>& names) {
+    if (names.size() > maximumPropertyNames) {
+        refuse("too many names");
+    }
 }
 
 /// Those of the given names; no names stand for all.
@@ -32,10 +44,6 @@ bus::Dictionary named(bus::Dictionary properties, const std::vector<std::string>
 
 bus::Dictionary namedOf(const PublishedLine& line, const std::vector<std::string>& names) {
     return named(withoutDefaults(allProperties(line)), names);
-}
-
-[[noreturn]] void refuse(const char* what) {
-    throw std::system_error(EINVAL, std::generic_category(), what);
 }
 
 } // namespace
@@ -81,8 +89,7 @@ void DbusMenu::addEvents(bus::Interface& interface) {
     interface.method(
         "EventGroup", [this](const std::vector<Event>& events) { return eventGroup(events); });
     interface.method("AboutToShow", [this](std::int32_t id) { return aboutToShow(id); });
-    interface.method(
-        "AboutToShowGroup", [this](Ids ids) { return aboutToShowGroup(std::move(ids)); });
+    interface.method("AboutToShowGroup", [this](const Ids& ids) { return aboutToShowGroup(ids); });
 }
 
 void DbusMenu::show(std::span<const MenuLine> lines) {
@@ -110,6 +117,7 @@ bool DbusMenu::holds(std::int32_t id) const {
 
 std::tuple<std::uint32_t, DbusMenu::Layout>
 DbusMenu::layout(std::int32_t parent, std::int32_t depth, const Names& names) const {
+    refuseTooMany(names);
     if (parent != root) {
         const auto* const line = menu_.find(parent);
         if (line == nullptr) {
@@ -128,6 +136,7 @@ DbusMenu::layout(std::int32_t parent, std::int32_t depth, const Names& names) co
 
 // Walks the layout rather than the request, which may name an id a million times.
 std::vector<DbusMenu::ItemProperties> DbusMenu::groupProperties(Ids ids, const Names& names) const {
+    refuseTooMany(names);
     std::ranges::sort(ids);
     const auto isAskedFor = [&](std::int32_t id) {
         return ids.empty() || std::ranges::binary_search(ids, id);
@@ -171,11 +180,10 @@ bool DbusMenu::aboutToShow(std::int32_t id) {
     return menu_.revision() != before;
 }
 
-std::tuple<DbusMenu::Ids, DbusMenu::Ids> DbusMenu::aboutToShowGroup(Ids ids) {
-    // Each once, however often it is named: the root's answer takes a whole new menu.
-    std::ranges::sort(ids);
-    const auto repeated = std::ranges::unique(ids);
-    ids.erase(repeated.begin(), repeated.end());
+std::tuple<DbusMenu::Ids, DbusMenu::Ids> DbusMenu::aboutToShowGroup(const Ids& ids) {
+    if (ids.size() > maximumGroupedEvents) {
+        refuse("too many lines");
+    }
     Ids changed;
     Ids unknown;
     for (const auto id : ids) {

@@ -47,7 +47,7 @@ private:
     std::vector<ItemProperties> groupProperties(Ids ids, const Names& names) const;
     bus::Variant property(std::int32_t id, const std::string& name) const;
     bool aboutToShow(std::int32_t id);
-    std::tuple<Ids, Ids> aboutToShowGroup(Ids ids);
+    std::tuple<Ids, Ids> aboutToShowGroup(const Ids& ids);
     void event(std::int32_t id, const std::string& kind, std::uint32_t time);
     Ids eventGroup(const std::vector<Event>& events);
 

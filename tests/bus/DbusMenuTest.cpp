@@ -148,6 +148,32 @@ TEST_F(DbusMenuTest, answersPropertiesOfSeveralLines) {
     EXPECT_EQ(properties({}, {}).size(), 10U);
 }
 
+TEST_F(DbusMenuTest, looksForAHundredNamesAtOnceAndRefusesMore) {
+    item.show(usualMenu());
+    const auto ofAGroup = [&](const Names& names) {
+        return panel.callMenu<Changes>("GetGroupProperties", Ids{idOf(LineRole::quit)}, names);
+    };
+    const auto ofTheLayout = [&](const Names& names) {
+        return panel.callMenu<std::uint32_t, Layout>(
+            "GetLayout", std::int32_t{0}, std::int32_t{-1}, names);
+    };
+    Names names(99, "unheard-of");
+    names.emplace_back("label");
+    EXPECT_EQ(
+        std::get<0>(ofAGroup(names).results.value()),
+        (Changes{{idOf(LineRole::quit), {{"label", "Quit"}}}}));
+    const auto [id, properties, children] = std::get<1>(ofTheLayout(names).results.value());
+    EXPECT_EQ(std::get<1>(children.back().value), (bus::Dictionary{{"label", "Quit"}}));
+
+    // As many as this would take minutes to look for.
+    names.resize(1'000'000, "unheard-of");
+    EXPECT_EQ(ofAGroup(names).error.name, invalidArguments);
+    EXPECT_EQ(ofTheLayout(names).error.name, invalidArguments);
+    names.resize(101);
+    EXPECT_EQ(ofAGroup(names).error.name, invalidArguments);
+    EXPECT_EQ(ofTheLayout(names).error.name, invalidArguments);
+}
+
 TEST_F(DbusMenuTest, answersASinglePropertyEvenIfItIsTheDefault) {
     item.show(usualMenu());
     const auto property = [&](std::int32_t id, const std::string& name) {
