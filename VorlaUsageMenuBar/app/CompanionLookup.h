@@ -13,7 +13,7 @@ namespace vorla {
 struct CompanionPlaces {
     Environment environment;
     std::string homeDirectory;
-    /// The folder of the application's own resources, if it is installed with one.
+    /// The folder of the application's own resources, if it is known. It need not be there.
     std::optional<std::string> resourcesDirectory;
 };
 

@@ -101,12 +101,7 @@ std::optional<std::string> resourcesDirectory() {
     if (!prefix) {
         return std::nullopt;
     }
-    const auto folder = *prefix / "libexec" / "VorlaUsageMenuBar";
-    std::error_code error;
-    if (!std::filesystem::is_directory(folder, error)) {
-        return std::nullopt;
-    }
-    return folder.string();
+    return *prefix / "libexec" / "VorlaUsageMenuBar";
 }
 
 std::string installedIcon() {

@@ -80,6 +80,25 @@ TEST_F(ProgramWindowTest, saysWhyTheWindowCannotBeOpenedUntilItCan) {
     endsAtRequest(program);
 }
 
+TEST_F(ProgramWindowTest, findsCompanionAndWindowThatAreInstalledWhileItRuns) {
+    auto& program = start({}, {"DBUS_SESSION_BUS_ADDRESS=" + bus().address(), goVariable()});
+    ASSERT_TRUE(runUntilText(
+        LineRole::error, "vorla-usage missing. Install in ~/.local/bin or PATH, then Refresh."));
+    choose(LineRole::openFennic);
+    EXPECT_TRUE(
+        runUntilText(LineRole::fennicError, "Cannot open Fennic: No such file or directory"));
+
+    const auto resources = folder() / "libexec/VorlaUsageMenuBar";
+    std::filesystem::create_directories(resources);
+    std::filesystem::create_symlink(child("printsSnapshot"), resources / "vorla-usage");
+    std::filesystem::create_symlink(child("waitsForEndOfInput"), resources / "VorlaUsageFennic");
+    choose(LineRole::refresh);
+    EXPECT_TRUE(runUntilFigures());
+    choose(LineRole::openFennic);
+    EXPECT_TRUE(runUntilText(LineRole::fennicError, ""));
+    endsAtRequest(program);
+}
+
 TEST_F(HostileWindowLimit, saysThatDescriptorsHaveRunOut) {
     auto& program = startWithWindow("waitsForEndOfInput");
     const auto descriptors = descriptorsOf(program);

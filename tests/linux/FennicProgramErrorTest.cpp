@@ -147,10 +147,9 @@ TEST_F(FennicProgramError, killsAndCollectsAProgramThatCannotBeWatched) {
 
 TEST_F(FennicProgramError, isLookedForBesideTheExecutableAndThenAmongTheResources) {
     const auto executable = std::filesystem::read_symlink("/proc/self/exe");
-    std::vector<std::string> expected = {executable.parent_path() / "VorlaUsageFennic"};
-    if (const auto resources = resourcesDirectory()) {
-        expected.push_back(*resources + "/VorlaUsageFennic");
-    }
+    const std::vector<std::string> expected = {
+        executable.parent_path() / "VorlaUsageFennic",
+        resourcesDirectory().value() + "/VorlaUsageFennic"};
     EXPECT_EQ(fennicProgramCandidates(), expected);
 }
 

@@ -133,6 +133,13 @@ TEST(Folders, keepANameThatOnlyLooksDeleted) {
     EXPECT_EQ(executableBehind(folder.at("link")), program);
 }
 
+TEST(Folders, knowThatOfTheResourcesAlsoWhereItIsNotThereYet) {
+    const auto prefix = fs::path(thisExecutable()).parent_path().parent_path();
+    const auto folder = prefix / "libexec" / "VorlaUsageMenuBar";
+    ASSERT_FALSE(fs::exists(folder));
+    EXPECT_EQ(resourcesDirectory(), folder.string());
+}
+
 TEST(Folders, knowNoExecutableBehindAMissingLink) {
     EXPECT_EQ(executableBehind("/proc/self/missing"), "");
 }
