@@ -24,6 +24,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace vorla {
 
@@ -91,14 +92,22 @@ int runMenuBar() {
              .resourcesDirectory = resourcesDirectory()},
         .replyToTerminate = [&loop] { loop.exit(0); },
     });
-    const auto signals = loop.onSignals({SIGTERM, SIGINT, SIGHUP}, [&delegate] {
-        if (delegate.isQuitting()) {
+    // A session that ends takes the bus or the terminal away and sends SIGTERM, all in one moment:
+    // that is one request, and the companion gets its time.
+    bool sessionEnds = false;
+    const auto endWithSession = [&] {
+        sessionEnds = sessionEnds || !delegate.isQuitting();
+        delegate.applicationShouldTerminate();
+    };
+    const auto hangUps = loop.onSignals({SIGHUP}, endWithSession);
+    bus.onDisconnect(endWithSession);
+    const auto requests = loop.onSignals({SIGTERM, SIGINT}, [&] {
+        if (delegate.isQuitting() && !std::exchange(sessionEnds, false)) {
             delegate.terminateAtOnce();
         } else {
             delegate.applicationShouldTerminate();
         }
     });
-    bus.onDisconnect([&delegate] { delegate.applicationShouldTerminate(); });
     delegate.applicationDidFinishLaunching();
     return loop.run();
 }

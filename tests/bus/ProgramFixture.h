@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <cstddef>
 #include <filesystem>
 #include <list>
 #include <optional>
@@ -171,6 +172,10 @@ protected:
         const std::string& name, const Texts& variables, int status,
         const std::string& errors = "") {
         ASSERT_NO_FATAL_FAILURE(expectEnd(start({name}, variables), status, errors)) << name;
+    }
+
+    static std::ptrdiff_t descriptorsOf(const Program& program) {
+        return entries(("/proc/" + std::to_string(program.number()) + "/fd").c_str());
     }
 
     std::string home() const { return folder(); }

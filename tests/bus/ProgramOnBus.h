@@ -101,10 +101,6 @@ protected:
         expectEnd(program, 0);
     }
 
-    static std::ptrdiff_t descriptorsOf(const Program& program) {
-        return entries(("/proc/" + std::to_string(program.number()) + "/fd").c_str());
-    }
-
     /// Changes a limit of the running program, as far as the system lets it be changed.
     static void limit(const Program& program, __rlimit_resource resource, rlim_t value) {
         rlimit limits = {};

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -140,6 +141,48 @@ TEST_F(ProgramTest, killsTheCompanionAtOnceWhenASecondRequestComes) {
     program.send(SIGTERM);
     expectEnd(program, 0);
     EXPECT_LT(std::chrono::steady_clock::now() - asked, Command::patience);
+    expectNoCompanionLeft();
+}
+
+TEST_F(ProgramTest, killsTheCompanionAtOnceWhenInterruptedAfterQuit) {
+    const PrivateBus bus;
+    ScriptedPanel panel(loop(), bus.address());
+    auto& program = startWithStubbornCompanion(bus);
+    const auto asked = std::chrono::steady_clock::now();
+    panel.sendEvent(lineId({.role = LineRole::quit}), "clicked");
+    EXPECT_FALSE(program.hasEnded());
+    program.send(SIGINT);
+    expectEnd(program, 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, Command::patience);
+    expectNoCompanionLeft();
+}
+
+TEST_F(ProgramTest, givesTheCompanionItsTimeThoughTheSessionEndsInSeveralWaysAtOnce) {
+    std::list<PrivateBus> buses;
+    std::vector<Program*> programs;
+    for (int count = 0; count < 4; ++count) {
+        programs.push_back(&startWithStubbornCompanion(buses.emplace_back()));
+    }
+    ScriptedPanel panel(loop(), buses.front().address());
+    const auto descriptors = descriptorsOf(*programs[3]);
+    const auto asked = std::chrono::steady_clock::now();
+    programs[0]->send(SIGTERM);
+    ASSERT_TRUE(panel.catchUp());
+    programs[0]->send(SIGHUP);
+    programs[1]->send(SIGHUP);
+    programs[1]->send(SIGTERM);
+    programs[2]->send(SIGHUP);
+    programs[2]->send(SIGINT);
+    buses.back().stop();
+    // By the time it has let go of the bus it has noticed, so that the signal comes after that.
+    ASSERT_TRUE(loop().runUntil([&] { return descriptorsOf(*programs[3]) < descriptors; }));
+    programs[3]->send(SIGTERM);
+    const auto hasEnded = [](const Program* program) { return program->hasEnded(); };
+    ASSERT_TRUE(loop().runUntil([&] { return std::ranges::any_of(programs, hasEnded); }));
+    EXPECT_GE(std::chrono::steady_clock::now() - asked, Command::patience);
+    for (auto* program : programs) {
+        expectEnd(*program, 0);
+    }
     expectNoCompanionLeft();
 }
 
