@@ -87,9 +87,13 @@ void GnomeNotificationSwitch::look(const Answer& answer) {
 void GnomeNotificationSwitch::finished(
     const FileState& settings, const SettingsTool::Result& result, const Answer& answer) {
     const auto delivery = gnomeDelivery(result.output.value_or(""));
-    // A tool that fails does so again until something changes; one that was slow need not.
-    if (result.inTime) {
+    // A tool that fails does so again until something changes; one that was slow need not. Settings
+    // that are kept elsewhere change without a sign.
+    if (result.inTime && settings != FileState()) {
         last_.emplace(settings, delivery);
+    }
+    if (tool_->hasEnded()) {
+        tool_.reset();
     }
     answer(delivery);
 }

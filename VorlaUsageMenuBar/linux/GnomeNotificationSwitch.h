@@ -42,8 +42,8 @@ struct FileState {
 
 /// GNOME's switch for this application. Main thread.
 ///
-/// GNOME's own tool reads it, so that its library need not be in this process; and only when the
-/// file that keeps the settings has changed. Without the tool, or if it fails, notifications are
+/// GNOME's own tool reads it, so that its library need not be in this process; where a file keeps
+/// the settings, only when that has changed. Without the tool, or if it fails, notifications are
 /// shown.
 class GnomeNotificationSwitch final {
 public:

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 
 namespace vorla {
 namespace {
@@ -105,6 +107,10 @@ protected:
         return delivery;
     }
 
+    static std::ptrdiff_t descriptors() {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    }
+
     std::ptrdiff_t runs() const { return std::ranges::count(folder.read("tools/calls"), '\n'); }
 
     TemporaryFolder folder;
@@ -150,8 +156,24 @@ TEST_F(GnomeSwitchTest, asksAgainWhenTheFirstSettingIsWritten) {
     EXPECT_EQ(ask(), NotificationDelivery::off);
 }
 
+TEST_F(GnomeSwitchTest, asksEachTimeWhereNoFileTellsOfAChange) {
+    installTool();
+    EXPECT_EQ(ask(), NotificationDelivery::shown);
+    folder.write("tools/answer", "x enable false\n");
+    EXPECT_EQ(ask(), NotificationDelivery::off);
+    EXPECT_EQ(runs(), 2);
+}
+
+TEST_F(GnomeSwitchTest, keepsNothingOfAToolThatHasEnded) {
+    installTool();
+    const auto before = descriptors();
+    EXPECT_EQ(ask(), NotificationDelivery::shown);
+    EXPECT_EQ(descriptors(), before);
+}
+
 TEST_F(GnomeSwitchTest, showsNotificationsIfTheToolFailsAndDoesNotTryAgain) {
     installTool();
+    folder.write("dconf/user", "one");
     std::filesystem::remove(folder.at("tools/answer"));
     EXPECT_EQ(ask(), NotificationDelivery::shown);
     EXPECT_EQ(ask(), NotificationDelivery::shown);
