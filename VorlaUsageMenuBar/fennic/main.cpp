@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -54,6 +55,8 @@ int runWindow(int argumentCount, char* arguments[]) {
         qputenv("DESKTOP_STARTUP_ID", QByteArray::fromStdString(*opening->activationToken));
     }
     QApplication application(argumentCount, arguments);
+    // The toolkit has just set the user's locale, but JSON knows one decimal point only.
+    std::setlocale(LC_NUMERIC, "C");
     QApplication::setDesktopFileName("com.vorla.UsageMenuBar");
     FennicWindowController controller(
         opening->quota, {.endpoint = FennicEndpoint::ofThisBuild()}, [] {

@@ -2,6 +2,7 @@
 #include "model/FennicSeam.h"
 
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -15,7 +16,8 @@ constexpr int waitLimitMilliseconds = 60000;
 /// The program itself, without a display.
 class Program final {
 public:
-    Program() {
+    explicit Program(const QStringList& variables = {}) {
+        process.setEnvironment(QProcess::systemEnvironment() + variables);
         process.start(VORLA_FENNIC_PROGRAM, QStringList());
         EXPECT_TRUE(process.waitForStarted(waitLimitMilliseconds));
     }
@@ -69,6 +71,20 @@ TEST(FennicProgram, takesLaterLinesWhateverTheySayAndStaysOpen) {
     EXPECT_EQ(program.standardOutput(), "");
     program.process.closeWriteChannel();
     EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.standardOutput(), "closing\n");
+}
+
+TEST(FennicProgram, readsNumbersWhateverTheDecimalPointOfTheLocale) {
+    // Pashto has one of two bytes, which the reader of JSON cannot take.
+    const QTemporaryDir locales;
+    ASSERT_EQ(
+        QProcess::execute("localedef", {"-i", "ps_AF", "-f", "UTF-8", locales.filePath("ps_AF")}),
+        0);
+    Program program({"LOCPATH=" + locales.path(), "LC_ALL=ps_AF"});
+    program.send(FennicOpening{}.encode().value());
+    program.send("{\"number\":1.5}\n");
+    program.process.closeWriteChannel();
+    EXPECT_EQ(program.wait(), 0) << program.standardError();
     EXPECT_EQ(program.standardOutput(), "closing\n");
 }
 
