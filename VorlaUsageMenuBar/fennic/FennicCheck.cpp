@@ -166,9 +166,11 @@ std::optional<QUrl> FennicCheck::redirection() const {
     if (!keepsMethod || !location || redirects_ >= maximumRedirects) {
         return std::nullopt;
     }
-    QUrl next = url_.resolved(QUrl::fromEncoded(
-        QByteArray(location->data(), static_cast<qsizetype>(location->size())), QUrl::StrictMode));
-    if (!next.isValid() || !isSameOrigin(next, settings_.url)) {
+    const auto target = QUrl::fromEncoded(
+        QByteArray(location->data(), static_cast<qsizetype>(location->size())), QUrl::StrictMode);
+    QUrl next = url_.resolved(target);
+    // An empty or malformed target resolves to where the answer came from.
+    if (!target.isValid() || !next.isValid() || !isSameOrigin(next, settings_.url)) {
         return std::nullopt;
     }
     return next;

@@ -377,6 +377,16 @@ TEST(FennicCheck, takesARedirectWithoutALocationAsAnAnswer) {
     EXPECT_EQ(outcomeOf(answer(307, "No")), (FennicAnswer{.status = 307, .body = "No"}));
 }
 
+TEST(FennicCheck, takesARedirectToNowhereAsAnAnswer) {
+    for (const QString target : {"", "%", "/a b", "//[::1/", "https://local host/"}) {
+        TlsServer server;
+        server.answerWith({answer(307, "No", location(target))});
+        EXPECT_EQ(Exchange(server.host()).wait(), (FennicAnswer{.status = 307, .body = "No"}))
+            << target.toStdString();
+        EXPECT_EQ(server.requests().size(), 1U) << target.toStdString();
+    }
+}
+
 TEST(FennicCheck, giveUpIntervalBeginsAnewWithEachRedirect) {
     const auto redirect = later(interval * 3 / 5, answer(307, "", "Location: /other\r\n"));
     TlsServer server;
