@@ -301,7 +301,7 @@ private:
     }
 
     void hear(bus::Message& message) {
-        const std::string name(message.member());
+        const std::string name = sd_bus_message_get_member(message.native());
         heard_.push_back(name);
         if (name == "XAyatanaNewLabel") {
             if (traits_.label != HostTraits::Label::unread) {

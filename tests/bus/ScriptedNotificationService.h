@@ -117,7 +117,7 @@ public:
 private:
     int received(sd_bus_message* native) {
         auto message = bus::Message::sharing(native);
-        calls.emplace_back(message.member());
+        calls.emplace_back(sd_bus_message_get_member(message.native()));
         if (calls.back() == "Notify") {
             // Braces read the fields in their order.
             notifications.push_back(ReceivedNotify{

@@ -6,6 +6,7 @@
 #include "linux/bus/Interface.h"
 
 #include <gtest/gtest.h>
+#include <systemd/sd-bus.h>
 
 #include <cstdint>
 #include <optional>
@@ -148,7 +149,7 @@ public:
 
 private:
     void record(bus::Message& message) {
-        ReceivedSignal signal{.name = std::string(message.member())};
+        ReceivedSignal signal{.name = sd_bus_message_get_member(message.native())};
         if (signal.name == "XAyatanaNewLabel") {
             signal.texts = {message.read<std::string>(), message.read<std::string>()};
         } else if (signal.name == "ItemsPropertiesUpdated") {

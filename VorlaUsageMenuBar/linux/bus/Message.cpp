@@ -34,16 +34,6 @@ std::optional<BusError> Message::error() const {
     return BusError{error->name, error->message == nullptr ? "" : error->message};
 }
 
-std::string_view Message::sender() const {
-    const char* const sender = sd_bus_message_get_sender(message_.get());
-    return sender == nullptr ? "" : sender;
-}
-
-std::string_view Message::member() const {
-    const char* const member = sd_bus_message_get_member(message_.get());
-    return member == nullptr ? "" : member;
-}
-
 void Message::appendBasic(char type, const void* value) {
     checked(sd_bus_message_append_basic(native(), type, value), "sd_bus_message_append_basic");
 }
@@ -74,14 +64,6 @@ void checkedFound(int result, const char* what) {
 
 void Message::readBasic(char type, void* value) {
     checkedFound(sd_bus_message_read_basic(native(), type, value), "sd_bus_message_read_basic");
-}
-
-std::span<const std::byte> Message::readArray(char type) {
-    const void* items = nullptr;
-    std::size_t bytes = 0;
-    checkedFound(
-        sd_bus_message_read_array(native(), type, &items, &bytes), "sd_bus_message_read_array");
-    return {static_cast<const std::byte*>(items), bytes};
 }
 
 void Message::enterContainer(char type, const std::string& contents) {

@@ -4,9 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 
 struct sd_bus_message;
 
@@ -46,10 +44,6 @@ public:
 
     /// Present in the answer to a call that failed.
     std::optional<BusError> error() const;
-    /// Unique name of the peer that sent it, or empty.
-    std::string_view sender() const;
-    /// Name of the called method or of the signal.
-    std::string_view member() const;
 
     sd_bus_message* native() { return message_.get(); }
 
@@ -59,7 +53,6 @@ public:
     void openContainer(char type, const std::string& contents);
     void closeContainer();
     void readBasic(char type, void* value);
-    std::span<const std::byte> readArray(char type);
     void enterContainer(char type, const std::string& contents);
     void exitContainer();
     /// Whether the container entered last has been read to its end.
