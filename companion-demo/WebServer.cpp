@@ -3,6 +3,9 @@
 
 #include <httplib.h>
 
+#include <unistd.h>
+
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <thread>
@@ -45,13 +48,19 @@ int serve(const std::function<std::string()>& page) {
         std::fputs("No port is free on 127.0.0.1.\n", stderr);
         return 1;
     }
-    const std::jthread serving([&server] { server.listen_after_bind(); });
+    std::atomic<bool> hasEnded = false;
+    const std::jthread serving([&server, &hasEnded] {
+        server.listen_after_bind();
+        hasEnded = true;
+        // Should it have ended by itself, nobody else would ask the program to end.
+        kill(getpid(), SIGTERM);
+    });
     std::printf("Serving on http://%s:%d/ (Ctrl-C to stop)\n", ownAddress, port);
     std::fflush(stdout);
     int received = 0;
     sigwait(&endings, &received);
     // A server that has not quite started yet would not notice that it is being stopped.
-    while (!server.is_running()) {
+    while (!server.is_running() && !hasEnded) {
         std::this_thread::yield();
     }
     server.stop();

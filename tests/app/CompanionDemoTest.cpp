@@ -24,6 +24,7 @@
 #include <spawn.h>
 #include <string>
 #include <string_view>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -145,9 +146,30 @@ public:
         return line;
     }
 
+    /// Makes its socket for visitors fail, by means of a duplicate.
+    void breakSocket() const {
+        const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, number_, 0)));
+        for (int number = STDERR_FILENO + 1; number < 64; ++number) {
+            const FileDescriptor duplicate(
+                static_cast<int>(syscall(SYS_pidfd_getfd, process.number(), number, 0)));
+            int listens = 0;
+            socklen_t size = sizeof listens;
+            getsockopt(duplicate.number(), SOL_SOCKET, SO_ACCEPTCONN, &listens, &size);
+            if (listens != 0) {
+                EXPECT_EQ(shutdown(duplicate.number(), SHUT_RDWR), 0);
+                return;
+            }
+        }
+        ADD_FAILURE() << "no socket that listens";
+    }
+
     /// Sends the signal and waits; the exit code, or the signal's number below zero.
     int end(int signal) {
         kill(number_, signal);
+        return waitForEnd();
+    }
+
+    int waitForEnd() {
         int status = 0;
         EXPECT_GT(waitpid(std::exchange(number_, -1), &status, 0), 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
@@ -317,6 +339,14 @@ TEST(CompanionDemo, endsAlsoWhileAVisitorSaysNothing) {
     // Visitors come in one after another: who has served this one has met the silent one before.
     EXPECT_NE(fetched(port, "/"), "");
     EXPECT_EQ(server.end(SIGTERM), 0);
+}
+
+TEST(CompanionDemo, endsIfItCanServeNobodyAnyMore) {
+    DemoServer server(monday);
+    // Once it has answered it listens.
+    fetched(portIn(server.firstLine()), "/");
+    server.breakSocket();
+    EXPECT_EQ(server.waitForEnd(), 0);
 }
 
 TEST(CompanionDemo, servesAPageWithTheFiguresOfTheSnapshot) {
