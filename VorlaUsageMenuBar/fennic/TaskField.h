@@ -12,7 +12,8 @@ class TaskField final : public QPlainTextEdit {
 public:
     explicit TaskField(QWidget* parent);
 
-    /// The whole text as UTF-8. Lines are separated by line feeds; nothing else is changed.
+    /// The whole text as UTF-8. Lines are separated by line feeds, or by U+2028 where Shift was
+    /// held with Return; nothing else is changed.
     std::string text() const;
 
 protected:

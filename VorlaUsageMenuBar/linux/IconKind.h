@@ -19,8 +19,8 @@ enum class IconKind {
 };
 
 /// By the command names of the processes that own the bus names of panels, as the kernel knows
-/// them: cut to 15 bytes. Unknown panels, none at all, and several that need different
-/// icons get the figures, which every panel can show.
+/// them: cut to 15 bytes. Unknown panels, none at all, and several that need different icons get
+/// the figures, which every panel can show.
 IconKind iconKind(const std::set<std::string>& panels);
 
 } // namespace vorla

@@ -14,7 +14,7 @@ namespace vorla {
 struct SpawnRequest {
     enum class Leads { processGroup, session };
 
-    /// Absolute; the program's own name in its arguments, too.
+    /// Never looked for in PATH; the program's own name in its arguments, too.
     std::string path;
     /// Those after its name.
     std::vector<std::string> arguments = {};
@@ -39,7 +39,7 @@ struct SpawnedChild {
 /// streams. Throws std::system_error, and leaves neither child nor descriptor behind then.
 SpawnedChild spawn(SpawnRequest request);
 
-/// Takes back a child that has just been started, with all of its process group.
+/// Ends an uncollected child at once, with all of its process group, and waits for its end.
 void killAndCollect(pid_t number);
 
 /// Whether there is a file that this process may execute.
