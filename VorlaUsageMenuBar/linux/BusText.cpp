@@ -10,10 +10,7 @@ namespace vorla {
 
 namespace {
 
-constexpr std::size_t maximumBytes = 4096;
-/// What must be known of a text to cut it: the code point past the limit decides whether a
-/// character ends there, and replacing noncharacters takes up to a quarter away.
-constexpr std::size_t sufficientBytes = 2 * maximumBytes;
+constexpr std::size_t maximumLabelBytes = 4096;
 
 constexpr std::string_view replacement = "\uFFFD";
 
@@ -33,17 +30,9 @@ std::size_t noncharacterLength(std::string_view text) {
     return byte(0) >= 0xF0U && (byte(1) & 0x0FU) == 0x0FU && endsAPlane(2) ? 4 : 0;
 }
 
-std::string transcribed(std::string_view text) {
-    std::string result;
-    for (const char byte : text) {
-        if (result.size() >= sufficientBytes) {
-            break;
-        }
-        if (byte != '\0') {
-            result.push_back(byte == '\t' ? ' ' : byte);
-        }
-    }
-    return busText(result);
+std::string withoutTabs(std::string text) {
+    std::ranges::replace(text, '\t', ' ');
+    return text;
 }
 
 /// How many bytes of `label` fit when each underscore takes two.
@@ -51,7 +40,7 @@ std::size_t fittingWhenDoubled(std::string_view label) {
     std::size_t doubledBytes = 0;
     const auto* const firstTooMany = std::ranges::find_if(label, [&](char byte) {
         doubledBytes += byte == '_' ? 2 : 1;
-        return doubledBytes > maximumBytes;
+        return doubledBytes > maximumLabelBytes;
     });
     return static_cast<std::size_t>(firstTooMany - label.begin());
 }
@@ -80,8 +69,21 @@ std::string busText(std::string_view text) {
     return result;
 }
 
+std::string startOfBusText(std::string_view text, std::size_t maximumBytes) {
+    // The code point past the limit decides whether a character ends there, and replacing
+    // noncharacters takes up to a quarter away.
+    const std::size_t sufficientBytes = 2 * maximumBytes;
+    std::string start;
+    for (std::size_t at = 0; at < text.size() && start.size() < sufficientBytes; ++at) {
+        if (text[at] != '\0') {
+            start.push_back(text[at]);
+        }
+    }
+    return busText(start);
+}
+
 std::string menuLabel(std::string_view text) {
-    const std::string label = transcribed(text);
+    const std::string label = withoutTabs(startOfBusText(text, maximumLabelBytes));
     // Cut before the doubling, so that a character ends where it does in the text itself.
     const auto cut = text::fittingCharacters(label, fittingWhenDoubled(label));
     std::string doubled;
@@ -92,7 +94,8 @@ std::string menuLabel(std::string_view text) {
 }
 
 std::string plainLabel(std::string_view text) {
-    return orReplacement(text::fittingCharacters(transcribed(text), maximumBytes), text);
+    const std::string label = withoutTabs(startOfBusText(text, maximumLabelBytes));
+    return orReplacement(text::fittingCharacters(label, maximumLabelBytes), text);
 }
 
 std::string toolTipText(std::string_view text) {

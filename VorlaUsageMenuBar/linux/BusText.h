@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,9 @@ namespace vorla {
 /// What the bus library takes: well-formed UTF-8 without NUL and, stricter than the protocol,
 /// without noncharacters such as U+FFFF, which become U+FFFD. Not bounded.
 std::string busText(std::string_view text);
+
+/// As much of busText() as tells where its first `maximumBytes` end, however much there is.
+std::string startOfBusText(std::string_view text, std::size_t maximumBytes);
 
 /// For a menu label: `_` doubled, since a single one would mark the next letter as a mnemonic, and
 /// each tab a space, since some panels take what follows a tab for a shortcut. At most 4,096 bytes,

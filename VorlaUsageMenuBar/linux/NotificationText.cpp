@@ -8,20 +8,8 @@ namespace vorla {
 
 namespace {
 
-/// The code point past the limit decides whether a character ends there.
-constexpr std::size_t longestCodePoint = 4;
-
 std::string bounded(std::string_view text, std::size_t maximumBytes) {
-    std::string kept;
-    for (const char byte : text) {
-        if (kept.size() >= maximumBytes + longestCodePoint) {
-            break;
-        }
-        if (byte != '\0') {
-            kept.push_back(byte);
-        }
-    }
-    return std::string(text::fittingCharacters(busText(kept), maximumBytes));
+    return std::string(text::fittingCharacters(startOfBusText(text, maximumBytes), maximumBytes));
 }
 
 std::string escaped(std::string_view text) {

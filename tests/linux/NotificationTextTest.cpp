@@ -42,5 +42,17 @@ TEST(NotificationText, isCutBetweenCharacters) {
     EXPECT_EQ(notificationTitle(most + "xe\u0301"), most + "x");
 }
 
+TEST(NotificationText, isFilledAlsoWithCharactersThatBecomeShorter) {
+    // Of three bytes for the bus, of four in the text, at no multiple of which it is bounded.
+    std::string longText = "x";
+    std::string expected = "x";
+    for (std::size_t count = 0; count < 341; ++count) {
+        longText += "\U0001FFFE";
+        expected += "\uFFFD";
+    }
+    EXPECT_EQ(expected.size(), maximumTitleBytes);
+    EXPECT_EQ(notificationTitle(longText + longText), expected);
+}
+
 } // namespace
 } // namespace vorla
