@@ -14,14 +14,6 @@ constexpr std::string_view blanks = " \t\r";
 /// What a backslash must precede within the quotes of Exec.
 constexpr std::string_view quotedSpecials = "\"`$\\";
 
-std::string_view withoutBlanks(std::string_view text) {
-    const auto first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 /// What "\" and `letter` stand for, or nothing if they stand for themselves.
 std::optional<char> unescaped(char letter) {
     switch (letter) {
@@ -87,6 +79,11 @@ std::string escaped(std::string_view value) {
 }
 
 } // namespace
+
+std::string_view withoutBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
 
 std::optional<DesktopEntry> DesktopEntry::parse(std::string_view bytes) {
     DesktopEntry entry;

@@ -12,6 +12,9 @@
 /// needs it: the group "Desktop Entry", no translations. Pure.
 namespace vorla {
 
+/// Without the blanks that may stand around a line, a key or a value.
+std::string_view withoutBlanks(std::string_view text);
+
 /// A desktop entry that was read. Lines that are no valid lines are passed over.
 class DesktopEntry final {
 public:

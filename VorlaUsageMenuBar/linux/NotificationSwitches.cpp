@@ -2,6 +2,7 @@
 #include "linux/NotificationSwitches.h"
 
 #include "linux/AtomicFile.h"
+#include "linux/DesktopEntry.h"
 
 #include <algorithm>
 #include <array>
@@ -15,12 +16,6 @@ constexpr auto applicationName = "VorlaUsageMenuBar";
 constexpr std::string_view plasmaGroup = "[Applications][com.vorla.UsageMenuBar]";
 constexpr auto plasmaFileName = "/plasmanotifyrc";
 constexpr std::size_t maximumPlasmaBytes = std::size_t{1} << 20U;
-
-std::string_view withoutBlanks(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
-}
 
 /// The header of a group or a key, without the marks that may follow it, such as "[$i]".
 std::string_view withoutMarks(std::string_view name) {
