@@ -2,10 +2,12 @@
 #include "linux/Clipboard.h"
 
 #include "linux/DetachedProcess.h"
+#include "linux/SearchPath.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <optional>
@@ -36,12 +38,6 @@ FileDescriptor fileWith(std::string_view text) {
     return file;
 }
 
-/// Whether `name` is one of the names between the colons.
-bool lists(std::string_view names, std::string_view name) {
-    return (':' + std::string(names) + ':').find(':' + std::string(name) + ':') !=
-           std::string::npos;
-}
-
 /// The tools worth trying in this session, the best first.
 std::vector<DetachedCommand> toolsFor(const std::vector<std::string>& environment) {
     std::vector<DetachedCommand> tools;
@@ -51,7 +47,8 @@ std::vector<DetachedCommand> toolsFor(const std::vector<std::string>& environmen
     if (!variableIn(environment, "WAYLAND_DISPLAY").empty()) {
         // GNOME has no protocol for clipboard tools: there wl-copy must take the keyboard from the
         // user's window for a moment, so Xwayland, which needs none, comes first.
-        const bool isGnome = lists(variableIn(environment, "XDG_CURRENT_DESKTOP"), "GNOME");
+        const auto desktops = colonList(variableIn(environment, "XDG_CURRENT_DESKTOP"));
+        const bool isGnome = std::ranges::find(desktops, "GNOME") != desktops.end();
         // Told the type, wl-copy does not run another tool to guess it.
         tools.insert(
             isGnome ? tools.end() : tools.begin(),

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "linux/DetachedProcess.h"
 
+#include "linux/SearchPath.h"
 #include "linux/Spawn.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -13,18 +13,12 @@ namespace vorla {
 
 namespace {
 
-std::string findProgram(const DetachedCommand& command) {
-    std::string_view folders = variableIn(command.environment, "PATH");
-    while (!folders.empty()) {
-        const auto folder = folders.substr(0, folders.find(':'));
-        folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
-        auto path = std::string(folder).append("/").append(command.program);
-        // Our working directory is where we happened to be started; no tool is looked for there.
-        if (folder.starts_with('/') && isProgram(path)) {
-            return path;
-        }
+std::string pathOf(const DetachedCommand& command) {
+    auto path = programIn(variableIn(command.environment, "PATH"), command.program);
+    if (path.empty()) {
+        throw std::system_error(ENOENT, std::generic_category(), command.program);
     }
-    throw std::system_error(ENOENT, std::generic_category(), command.program);
+    return path;
 }
 
 } // namespace
@@ -42,7 +36,7 @@ DetachedProcess::DetachedProcess(
     MainLoop& loop, const DetachedCommand& command, const FileDescriptor& input, Ended ended)
     : ended_(std::move(ended)) {
     auto child = spawn(
-        {.path = findProgram(command),
+        {.path = pathOf(command),
          .arguments = command.arguments,
          .environment = command.environment,
          .input = input.number(),

@@ -3,6 +3,7 @@
 
 #include "linux/Folders.h"
 #include "linux/Pipe.h"
+#include "linux/SearchPath.h"
 #include "linux/Spawn.h"
 
 #include <sys/wait.h>

@@ -2,9 +2,9 @@
 #include "linux/GnomeNotificationSwitch.h"
 
 #include "linux/Folders.h"
+#include "linux/SearchPath.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -21,7 +21,7 @@ constexpr auto settingsPath = "org.gnome.desktop.notifications.application:"
                               "com-vorla-usagemenubar/";
 /// Replaced at each change of any setting.
 constexpr auto settingsFile = "/dconf/user";
-constexpr auto toolName = "/gsettings";
+constexpr auto toolName = "gsettings";
 
 } // namespace
 
@@ -65,7 +65,7 @@ void GnomeNotificationSwitch::look(const Answer& answer) {
         answer(last_->second);
         return;
     }
-    const auto path = toolPath();
+    const auto path = programIn(places_.searchPath, toolName);
     // One that was killed may take its time to die; a second one would fare no better.
     if (path.empty() || (tool_ && !tool_->hasEnded())) {
         answer(NotificationDelivery::shown);
@@ -96,19 +96,6 @@ void GnomeNotificationSwitch::finished(
         tool_.reset();
     }
     answer(delivery);
-}
-
-std::string GnomeNotificationSwitch::toolPath() const {
-    std::string_view folders = places_.searchPath;
-    while (!folders.empty()) {
-        const auto folder = folders.substr(0, folders.find(':'));
-        folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
-        auto path = std::string(folder) + toolName;
-        if (folder.starts_with('/') && access(path.c_str(), X_OK) == 0) {
-            return path;
-        }
-    }
-    return {};
 }
 
 } // namespace vorla

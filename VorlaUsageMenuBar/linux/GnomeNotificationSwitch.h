@@ -64,7 +64,6 @@ public:
 private:
     void
     finished(const FileState& settings, const SettingsTool::Result& result, const Answer& answer);
-    std::string toolPath() const;
 
     MainLoop& loop_;
     NotificationSettingsPlaces places_;

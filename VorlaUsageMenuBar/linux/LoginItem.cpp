@@ -4,9 +4,9 @@
 #include "linux/AtomicFile.h"
 #include "linux/DesktopEntry.h"
 #include "linux/Folders.h"
+#include "linux/SearchPath.h"
 #include "model/Text.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -38,31 +38,13 @@ std::string variable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-std::vector<std::string> colonList(std::string_view list) {
-    std::vector<std::string> parts;
-    while (!list.empty()) {
-        const auto part = list.substr(0, list.find(':'));
-        list.remove_prefix(std::min(part.size() + 1, list.size()));
-        if (!part.empty()) {
-            parts.emplace_back(part);
-        }
-    }
-    return parts;
-}
-
-bool isExecutableFile(const std::string& path) {
-    struct stat status = {};
-    return path.find('\0') == std::string::npos && stat(path.c_str(), &status) == 0 &&
-           S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
-}
-
 bool canBeStarted(const std::string& program, const std::string& searchPath) {
     if (program.find('/') != std::string::npos) {
-        return program.starts_with('/') && isExecutableFile(program);
+        return program.starts_with('/') && isProgram(program);
     }
     const auto folders = colonList(searchPath);
-    return std::ranges::any_of(folders, [&program](const std::string& folder) {
-        return isExecutableFile(folder + "/" + program);
+    return std::ranges::any_of(folders, [&program](std::string_view folder) {
+        return isProgram(std::string(folder).append("/").append(program));
     });
 }
 
@@ -76,11 +58,11 @@ bool startsAProgram(const DesktopEntry& entry, const std::string& searchPath) {
 bool isMeantFor(const DesktopEntry& entry, const std::string& currentDesktop) {
     const auto only = entry.strings("OnlyShowIn");
     const auto never = entry.strings("NotShowIn");
-    const auto contains = [](const std::vector<std::string>& list, const std::string& name) {
+    const auto contains = [](const std::vector<std::string>& list, std::string_view name) {
         return std::ranges::find(list, name) != list.end();
     };
     // The desktop's own name comes before the names of those that it is like.
-    for (const auto& name : colonList(currentDesktop)) {
+    for (const auto name : colonList(currentDesktop)) {
         if (contains(only, name)) {
             return true;
         }
@@ -177,7 +159,7 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
     if (userFile_.empty()) {
         return homeUnknown;
     }
-    if (!program.starts_with('/') || !canStandInExec(program) || !isExecutableFile(program)) {
+    if (!program.starts_with('/') || !canStandInExec(program) || !isProgram(program)) {
         return "The application's own path cannot be used for login (" + shown(program) + ").";
     }
     auto error = write(loginEntry(program));
@@ -216,9 +198,9 @@ std::optional<std::string> AutostartLoginItem::write(const std::string& content)
 
 /// The most important one.
 std::optional<std::string> AutostartLoginItem::systemWideFile() const {
-    const auto& folders = environment_.configurationDirectories;
-    for (const auto& folder : colonList(folders.empty() ? "/etc/xdg" : folders)) {
-        auto path = folder + entryPath;
+    const std::string_view folders = environment_.configurationDirectories;
+    for (const auto folder : colonList(folders.empty() ? "/etc/xdg" : folders)) {
+        auto path = std::string(folder).append(entryPath);
         if (folder.starts_with('/') && access(path.c_str(), F_OK) == 0) {
             return path;
         }

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -161,12 +160,6 @@ void killAndCollect(pid_t number) {
     // It may have left the group that it was started as the leader of.
     ::kill(number, SIGKILL);
     waitpid(number, nullptr, 0);
-}
-
-bool isProgram(const std::string& path) {
-    struct stat status = {};
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
 }
 
 } // namespace vorla

@@ -42,7 +42,4 @@ SpawnedChild spawn(SpawnRequest request);
 /// Ends an uncollected child at once, with all of its process group, and waits for its end.
 void killAndCollect(pid_t number);
 
-/// Whether there is a file that this process may execute.
-bool isProgram(const std::string& path);
-
 } // namespace vorla
