@@ -39,7 +39,13 @@ std::optional<std::string> FennicOpening::encode() const {
     JsonObjectWriter object;
     object.add(quotaKey, quota.encode());
     object.add(tokenKey, activationToken);
-    return lineOf(object);
+    auto line = lineOf(object);
+    if (!line && quota.pressureSummary) {
+        FennicOpening shorter = *this;
+        shorter.quota.pressureSummary.reset();
+        return shorter.encode();
+    }
+    return line;
 }
 
 FennicOpening FennicOpening::decode(std::string_view line) {

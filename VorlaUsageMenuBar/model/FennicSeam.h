@@ -31,8 +31,8 @@ struct FennicOpening {
     /// The desktop's permission to take the focus; never empty.
     std::optional<std::string> activationToken = std::nullopt;
 
-    /// The line with its line end, or nothing if it would be too long or holds a number that JSON
-    /// cannot express.
+    /// The line with its line end. A pressure summary that would make it too long is left out.
+    /// Nothing if it is too long all the same, or holds a number that JSON cannot express.
     std::optional<std::string> encode() const;
 
     /// Throws DecodeError. The line end may be missing.

@@ -66,7 +66,8 @@ class FennicProgramErrorAlone : public FennicProgramError {};
 
 TEST_F(FennicProgramError, refusesAnOpeningThatCannotBeEncoded) {
     use({child("recordsItsStart")});
-    EXPECT_EQ(openingError(openingOfBytes(maximumFennicSeamLine + 1)), std::errc::message_size);
+    const std::string token(maximumFennicSeamLine, 't');
+    EXPECT_EQ(openingError({.activationToken = token}), std::errc::message_size);
     const double infinite = std::numeric_limits<double>::infinity();
     EXPECT_EQ(openingError({.quota = {.weeklySecondsToReset = infinite}}), std::errc::message_size);
 }

@@ -42,7 +42,7 @@ TEST(FennicSeam, refusesAnOpeningThatIsNotOne) {
     }
 }
 
-TEST(FennicSeam, doesNotEncodeAnOpeningThatIsTooLong) {
+TEST(FennicSeam, leavesOutASummaryThatMakesAnOpeningTooLong) {
     const std::size_t others = FennicOpening{.quota = {.pressureSummary = ""}}.encode()->size();
     FennicOpening opening;
     opening.quota.pressureSummary = std::string(maximumFennicSeamLine - others, 'x');
@@ -50,9 +50,24 @@ TEST(FennicSeam, doesNotEncodeAnOpeningThatIsTooLong) {
     ASSERT_TRUE(longest);
     EXPECT_EQ(longest->size(), maximumFennicSeamLine);
     EXPECT_EQ(FennicOpening::decode(*longest), opening);
-    *opening.quota.pressureSummary += 'x';
-    EXPECT_EQ(opening.encode(), std::nullopt);
     EXPECT_THROW(FennicOpening::decode(" " + *longest), DecodeError);
+
+    *opening.quota.pressureSummary += 'x';
+    EXPECT_EQ(opening.encode(), FennicOpening{}.encode());
+    opening.quota.weeklyRemainingPercent = 5;
+    opening.activationToken = "token";
+    EXPECT_EQ(
+        opening.encode(),
+        (FennicOpening{.quota = {.weeklyRemainingPercent = 5}, .activationToken = "token"}
+             .encode()));
+}
+
+TEST(FennicSeam, doesNotEncodeAnOpeningThatIsTooLong) {
+    const std::string token(maximumFennicSeamLine, 't');
+    EXPECT_EQ(FennicOpening{.activationToken = token}.encode(), std::nullopt);
+    EXPECT_EQ(
+        (FennicOpening{.quota = {.pressureSummary = "short"}, .activationToken = token}.encode()),
+        std::nullopt);
 }
 
 TEST(FennicSeam, doesNotEncodeAnOpeningThatJsonCannotExpress) {
