@@ -105,9 +105,6 @@ TEST_F(ProgramFilesTest, saysWhatAFullDiskRefusesAndGoesOn) {
     choose(LineRole::quotaNotifications);
     EXPECT_TRUE(runUntilChecked(LineRole::quotaNotifications));
     EXPECT_FALSE(std::filesystem::exists(preferencesFile()));
-    choose(LineRole::refresh);
-    EXPECT_TRUE(runUntilText(LineRole::refresh, "Refresh"));
-    EXPECT_TRUE(runUntilFigures());
 
     limit(program, RLIMIT_FSIZE, RLIM_INFINITY);
     choose(LineRole::launchAtLogin);
