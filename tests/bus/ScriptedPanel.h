@@ -5,11 +5,11 @@
 #include "linux/PublishedMenu.h"
 #include "linux/bus/Interface.h"
 
-#include <gtest/gtest.h>
 #include <systemd/sd-bus.h>
 
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -116,8 +116,10 @@ public:
 
     std::vector<Leaf> lines() {
         auto result = linesIfAny();
-        EXPECT_TRUE(result) << "no layout";
-        return std::move(result).value_or(std::vector<Leaf>{});
+        if (!result) {
+            throw std::runtime_error("The application gives no layout.");
+        }
+        return *std::move(result);
     }
 
     bool sendEvent(std::int32_t id, const std::string& kind) {
@@ -127,8 +129,10 @@ public:
 
     bool aboutToShow(std::int32_t id = 0) {
         const auto reply = callMenu<bool>("AboutToShow", id);
-        EXPECT_TRUE(reply.results) << reply.error.name;
-        return reply.results && std::get<0>(*reply.results);
+        if (!reply.results) {
+            throw std::runtime_error(reply.error.name);
+        }
+        return std::get<0>(*reply.results);
     }
 
     /// Returns once everything that the application has sent so far has come in.
