@@ -174,8 +174,13 @@ protected:
         ASSERT_NO_FATAL_FAILURE(expectEnd(start({name}, variables), status, errors)) << name;
     }
 
+    /// How many it has open by now; one more for a moment while it reads or writes a file.
     static std::ptrdiff_t descriptorsOf(const Program& program) {
         return entries(("/proc/" + std::to_string(program.number()) + "/fd").c_str());
+    }
+
+    bool runUntilDescriptors(const Program& program, std::ptrdiff_t count) {
+        return loop().runUntil([&] { return descriptorsOf(program) == count; });
     }
 
     std::string home() const { return folder(); }

@@ -117,7 +117,7 @@ TEST_F(ProgramSystemTest, catchesUpAfterItWasStopped) {
     EXPECT_TRUE(runUntilRegistered(panel()));
     choose(LineRole::refresh);
     EXPECT_TRUE(runUntilFigures());
-    EXPECT_TRUE(loop().runUntil([&] { return descriptorsOf(program) == descriptors; }));
+    EXPECT_TRUE(runUntilDescriptors(program, descriptors));
     endsAtRequest(program);
 }
 

@@ -105,7 +105,7 @@ TEST_F(HostileWindowLimit, saysThatDescriptorsHaveRunOut) {
     limit(program, RLIMIT_NOFILE, lowestFreeDescriptor(program));
     choose(LineRole::openFennic);
     EXPECT_TRUE(runUntilText(LineRole::fennicError, "Cannot open Fennic: Too many open files"));
-    EXPECT_EQ(descriptorsOf(program), descriptors);
+    EXPECT_TRUE(runUntilDescriptors(program, descriptors));
     limit(program, RLIMIT_NOFILE, RLIM_INFINITY);
     choose(LineRole::openFennic);
     EXPECT_TRUE(runUntilText(LineRole::fennicError, ""));
@@ -120,7 +120,7 @@ TEST_F(ProgramWindowTest, opensAnotherWindowForEachThatEndsAtOnce) {
         for (int count = 0; count < 20; ++count) {
             choose(LineRole::openFennic);
             nextReady();
-            ASSERT_TRUE(loop().runUntil([&] { return descriptorsOf(program) == descriptors; }));
+            ASSERT_TRUE(runUntilDescriptors(program, descriptors));
         }
         expectUnharmed(program);
         endsAtRequest(program);
@@ -133,7 +133,7 @@ TEST_F(ProgramWindowTest, opensAnotherWindowOnceOneWasKilled) {
     for (int count = 0; count < 3; ++count) {
         choose(LineRole::openFennic);
         kill(nextReady(), SIGKILL);
-        EXPECT_TRUE(loop().runUntil([&] { return descriptorsOf(program) == descriptors; }));
+        EXPECT_TRUE(runUntilDescriptors(program, descriptors));
     }
     expectUnharmed(program);
     endsAtRequest(program);
@@ -143,7 +143,7 @@ TEST_F(ProgramWindowTest, doesNotListenToAWindowThatFloodsItsOutput) {
     auto& program = startWithWindow("floodsUntilRefused");
     const auto descriptors = descriptorsOf(program);
     choose(LineRole::openFennic);
-    EXPECT_TRUE(loop().runUntil([&] { return descriptorsOf(program) == descriptors; }));
+    EXPECT_TRUE(runUntilDescriptors(program, descriptors));
     expectUnharmed(program);
     endsAtRequest(program);
 }
