@@ -56,9 +56,6 @@ public:
     static constexpr std::string_view notificationsEnabledKey = "quotaNotificationsEnabled";
     static constexpr std::string_view notifiedEventsKey = "notifiedQuotaEvents";
 
-    /// Of the two runs that only the user asks for; a refresh says where to install it.
-    static constexpr auto retryMissingText = "vorla-usage missing. Install it, then retry.";
-
     static constexpr std::chrono::seconds refreshInterval{60};
     /// A session that ends kills what is left five seconds after it asked. By then a child that
     /// ignores the request has been killed for a second and a half; one that still stands cannot
@@ -86,6 +83,9 @@ public:
     bool isQuitting() const { return quitting_; }
 
 private:
+    /// What dashboard and diagnostics say without the tool; a refresh says where to install it.
+    static constexpr auto retryMissingText = "vorla-usage missing. Install it, then retry.";
+
     void menuWillOpen() override;
     void chosen(MenuAction action) override;
 
@@ -111,6 +111,7 @@ private:
     void decideOnNotifications(AuthorizationStatus status);
     void enableNotifications();
     void disableNotifications(std::optional<std::string> error);
+    std::vector<Usage::NotificationEvent> newEvents(const Usage& usage) const;
     void evaluateNotifications(const Usage& usage);
     void postNotifications(const std::vector<Usage::NotificationEvent>& events);
     void notificationAnswered(const std::string& key, const std::optional<std::string>& error);

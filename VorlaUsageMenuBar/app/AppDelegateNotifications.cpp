@@ -18,24 +18,11 @@ constexpr auto unavailablePrefix = "Notifications unavailable: ";
 constexpr auto unavailableOnThisVersionText = "Notifications unavailable on this macOS version.";
 constexpr auto failedPrefix = "Notification failed: ";
 constexpr std::size_t rememberedKeys = 64;
-/// Each costs calls on the bus and a list to be stored; nobody has so much to tell.
-constexpr std::size_t consideredEvents = 256;
+/// Each costs calls on the bus and a list to be stored; nobody has so much to tell. Further ones
+/// have their turn at the next refresh.
+constexpr std::size_t eventsAtOnce = 256;
 /// So the preferences can hold all remembered keys, even if each byte of them is written as six.
 constexpr std::size_t longestKeyBytes = 1024;
-
-using Events = std::vector<Usage::NotificationEvent>;
-
-/// The events that are not too many and whose keys are not too long.
-Events eventsWithinBounds(const Usage& usage) {
-    Events events;
-    if (usage.notificationEvents) {
-        std::ranges::copy_if(
-            *usage.notificationEvents | std::views::take(consideredEvents),
-            std::back_inserter(events),
-            [](const auto& event) { return event.key.size() <= longestKeyBytes; });
-    }
-    return events;
-}
 
 bool mayPost(AuthorizationStatus status) {
     return status == AuthorizationStatus::authorized || status == AuthorizationStatus::provisional;
@@ -86,12 +73,27 @@ void AppDelegate::disableNotifications(std::optional<std::string> error) {
     rebuildMenu();
 }
 
+std::vector<Usage::NotificationEvent> AppDelegate::newEvents(const Usage& usage) const {
+    std::vector<Usage::NotificationEvent> events;
+    if (usage.notificationEvents) {
+        const auto posted = platform_.preferences.strings(notifiedEventsKey);
+        const auto isNew = [&](const auto& event) {
+            return event.key.size() <= longestKeyBytes &&
+                   std::ranges::find(posted, event.key) == posted.end();
+        };
+        std::ranges::copy(
+            *usage.notificationEvents | std::views::filter(isNew) | std::views::take(eventsAtOnce),
+            std::back_inserter(events));
+    }
+    return events;
+}
+
 void AppDelegate::evaluateNotifications(const Usage& usage) {
     if (!platform_.preferences.boolean(notificationsEnabledKey)) {
         return;
     }
     platform_.notificationCentre.getSettings(
-        whileAlive([this, events = eventsWithinBounds(usage)](AuthorizationStatus status) {
+        whileAlive([this, events = newEvents(usage)](AuthorizationStatus status) {
             // A desktop that is going away, as at logout, would turn the switch off for good.
             if (quitting_) {
                 return;
@@ -116,11 +118,17 @@ void AppDelegate::postNotifications(const std::vector<Usage::NotificationEvent>&
             !pendingNotificationKeys_.insert(event.key).second) {
             continue;
         }
-        platform_.notificationCentre.add(
-            {.identifier = event.key, .title = event.title, .body = event.body},
-            whileAlive([this, key = event.key](const std::optional<std::string>& error) {
-                notificationAnswered(key, error);
-            }));
+        try {
+            platform_.notificationCentre.add(
+                {.identifier = event.key, .title = event.title, .body = event.body},
+                whileAlive([this, key = event.key](const std::optional<std::string>& error) {
+                    notificationAnswered(key, error);
+                }));
+        } catch (...) {
+            // Nobody will answer for it; the next refresh offers it again.
+            pendingNotificationKeys_.erase(event.key);
+            throw;
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -201,13 +202,31 @@ TEST_F(QuotaNotificationsTest, postsAnEventOnceThatASnapshotListsTwice) {
     EXPECT_EQ(postedKeys(), Keys{"a"});
 }
 
-TEST_F(QuotaNotificationsTest, considerTheFirst256EventsOfASnapshot) {
+TEST_F(QuotaNotificationsTest, posts256NewEventsAtOnceAndTheOthersAfterTheNextRefresh) {
     switchOn();
     remember({"k0"});
-    finishRun(snapshotWithEvents(numberedKeys(257)));
+    const auto all = numberedKeys(300);
+    finishRun(snapshotWithEvents(all));
     notificationCentre.answerSettings(AuthorizationStatus::authorized);
-    const auto all = numberedKeys(257);
-    EXPECT_EQ(postedKeys(), Keys(all.begin() + 1, all.end() - 1));
+    EXPECT_EQ(postedKeys(), Keys(all.begin() + 1, all.begin() + 257));
+    notificationCentre.answerPosts();
+    bring(snapshotWithEvents(all));
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    const auto posted = postedKeys();
+    EXPECT_EQ(posted.size(), 236U) << "all but the 64 that are remembered";
+    EXPECT_EQ(Keys(posted.end() - 43, posted.end()), Keys(all.begin() + 257, all.end()));
+}
+
+TEST_F(QuotaNotificationsTest, offersAnEventAgainThatMemoryRanOutFor) {
+    switchOn();
+    finishRun(snapshotWithEvents({"a"}));
+    notificationCentre.memoryRunsOut = true;
+    EXPECT_THROW(
+        notificationCentre.answerSettings(AuthorizationStatus::authorized), std::bad_alloc);
+    notificationCentre.memoryRunsOut = false;
+    bring(snapshotWithEvents({"a"}));
+    notificationCentre.answerSettings(AuthorizationStatus::authorized);
+    EXPECT_EQ(postedKeys(), Keys{"a"});
 }
 
 TEST_F(QuotaNotificationsTest, leaveOutAnEventWhoseKeyIsLongerThan1024Bytes) {

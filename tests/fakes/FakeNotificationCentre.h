@@ -4,6 +4,7 @@
 #include "ports/NotificationCentre.h"
 
 #include <functional>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -28,6 +29,9 @@ public:
     void
     add(const Notification& notification,
         std::function<void(std::optional<std::string>)> answer) override {
+        if (memoryRunsOut) {
+            throw std::bad_alloc();
+        }
         posts.push_back({notification, std::move(answer)});
     }
 
@@ -52,6 +56,7 @@ public:
     std::vector<std::function<void(AuthorizationStatus)>> settingsQuestions;
     std::vector<std::function<void(AuthorizationAnswer)>> requests;
     std::vector<Post> posts;
+    bool memoryRunsOut = false;
 };
 
 } // namespace vorla
