@@ -87,6 +87,9 @@ void AppDelegate::applicationShouldTerminate() {
     if (quitting_) {
         return;
     }
+    // First, so that the answer comes whatever fails below, and a failure here leaves all as it
+    // was.
+    terminationTimer_ = platform_.loop.after(terminationLimit, [this] { replyToTerminate(); });
     quitting_ = true;
     timer_.reset();
     fennicWindow_.reset();
@@ -113,7 +116,6 @@ void AppDelegate::applicationShouldTerminate() {
             command->whenExited(oneLess);
         }
     }
-    terminationTimer_ = platform_.loop.after(terminationLimit, [this] { replyToTerminate(); });
     platform_.loop.post(oneLess);
 }
 

@@ -3,7 +3,7 @@
 
 #include "model/FennicQuota.h"
 
-#include <system_error>
+#include <exception>
 
 namespace vorla {
 
@@ -22,8 +22,8 @@ void AppDelegate::openFennic() {
         fennicWindow_ = platform_.fennicLauncher.open(
             {.quota = FennicQuota::of(state_.usage, state_.pace), .activationToken = token},
             whileAlive([this] { fennicWindow_.reset(); }));
-    } catch (const std::system_error& error) {
-        state_.fennicError = "Cannot open Fennic: " + error.code().message();
+    } catch (const std::exception& error) {
+        state_.fennicError = "Cannot open Fennic: " + reasonOf(error);
     }
     rebuildMenu();
 }

@@ -125,13 +125,15 @@ void DesktopClipboard::copy(std::string text, std::function<void(Outcome)> answe
             answer(outcome);
         });
     *self = copy.get();
-    copies_.push_back(copy);
+    // So that the last step cannot fail: a copy that nobody tries would keep its text for ever.
+    copies_.reserve(copies_.size() + 1);
     // Later, so that no answer comes from inside this call.
     loop_.post([weak = std::weak_ptr(copy)] {
         if (const auto posted = weak.lock()) {
             posted->tryNextTool();
         }
     });
+    copies_.push_back(copy);
 }
 
 } // namespace vorla

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <system_error>
+#include <exception>
 
 namespace vorla {
 
@@ -78,7 +78,7 @@ void GnomeNotificationSwitch::look(const Answer& answer) {
                 finished(settings, result, answer);
             });
         return;
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {
         tool_.reset();
     }
     answer(NotificationDelivery::shown);

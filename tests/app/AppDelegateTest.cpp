@@ -2,6 +2,7 @@
 #include "app/AppDelegate.h"
 #include "app/Application.h"
 #include "app/LaunchMode.h"
+#include "fakes/RefusingLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -417,6 +418,17 @@ TEST_F(AppDelegateTest, leavesWithinFiveSecondsWhateverTheChildDoes) {
     EXPECT_EQ(replies, 1);
     launcher.last().exit(0);
     EXPECT_EQ(replies, 1) << "answered once";
+}
+
+TEST_F(AppDelegateTest, goesOnAndCanBeAskedAgainIfItCannotWaitForItsEnd) {
+    // The refresh timer and the limit of the run.
+    RefusingLoop full(loop, RefusingLoop::Refuses::timers, 2);
+    make("/bin/true", full);
+    launch();
+    EXPECT_THROW(delegate->applicationShouldTerminate(), std::system_error);
+    EXPECT_FALSE(delegate->isQuitting());
+    finishRun(snapshotNamed("full.json"));
+    EXPECT_EQ(item.shown.back().title, "5h 87% · W 62%");
 }
 
 TEST_F(AppDelegateTest, killsAtOnceWhenAskedASecondTime) {

@@ -26,9 +26,12 @@ public:
     Application() { make(); }
 
     /// Makes a fresh delegate that finds the companion, or does not.
-    void make(const std::string& executable = "/bin/true") {
+    void make(const std::string& executable = "/bin/true") { make(executable, loop); }
+
+    /// The same with a loop of the test's own, which goes by `loop`.
+    void make(const std::string& executable, MainLoop& mainLoop) {
         delegate = std::make_unique<AppDelegate>(Platform{
-            .loop = loop,
+            .loop = mainLoop,
             .clock = clock,
             .statusItem = item,
             .launcher = launcher,

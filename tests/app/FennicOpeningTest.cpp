@@ -66,6 +66,12 @@ TEST_F(FennicOpeningTest, saysWhyTheWindowCannotBeOpenedUntilItCan) {
     EXPECT_EQ(fennicLauncher.openWindows, 1);
 }
 
+TEST_F(FennicOpeningTest, saysThatMemoryHasRunOut) {
+    fennicLauncher.memoryRunsOut = true;
+    open();
+    EXPECT_EQ(problem(), "Cannot open Fennic: Cannot allocate memory");
+}
+
 TEST_F(FennicOpeningTest, closesTheWindowWhenQuitting) {
     open();
     choose(LineRole::quit);

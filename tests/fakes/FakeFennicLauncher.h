@@ -21,6 +21,9 @@ public:
         if (launchError != std::errc{}) {
             throw std::system_error(std::make_error_code(launchError));
         }
+        if (memoryRunsOut) {
+            throw std::bad_alloc();
+        }
         openings.push_back(opening);
         closed = std::move(newClosed);
         ++openWindows;
@@ -34,6 +37,7 @@ public:
     std::function<void()> closed;
     /// If set, the error of each opening.
     std::errc launchError{};
+    bool memoryRunsOut = false;
 
 private:
     class Window final : public FennicWindow {
