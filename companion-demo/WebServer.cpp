@@ -63,7 +63,12 @@ int serve(const std::function<std::string()>& page) {
     while (!server.is_running() && !hasEnded) {
         std::this_thread::yield();
     }
+    const bool endedByItself = hasEnded;
     server.stop();
+    if (endedByItself) {
+        std::fputs("The server has stopped.\n", stderr);
+        return 1;
+    }
     return 0;
 }
 
