@@ -24,7 +24,6 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
-#include <utility>
 
 namespace vorla {
 
@@ -93,20 +92,23 @@ int runMenuBar() {
         .replyToTerminate = [&loop] { loop.exit(0); },
     });
     // A session that ends takes the bus or the terminal away and sends SIGTERM, all in one moment:
-    // that is one request, and the companion gets its time.
+    // the first such signal belongs to the same request, and the companion gets its time.
     bool sessionEnds = false;
     const auto endWithSession = [&] {
-        sessionEnds = sessionEnds || !delegate.isQuitting();
+        if (!delegate.isQuitting()) {
+            sessionEnds = true;
+        }
         delegate.applicationShouldTerminate();
     };
     const auto hangUps = loop.onSignals({SIGHUP}, endWithSession);
     bus.onDisconnect(endWithSession);
     const auto requests = loop.onSignals({SIGTERM, SIGINT}, [&] {
-        if (delegate.isQuitting() && !std::exchange(sessionEnds, false)) {
+        if (delegate.isQuitting() && !sessionEnds) {
             delegate.terminateAtOnce();
-        } else {
-            delegate.applicationShouldTerminate();
+            return;
         }
+        sessionEnds = false;
+        delegate.applicationShouldTerminate();
     });
     delegate.applicationDidFinishLaunching();
     return loop.run();
