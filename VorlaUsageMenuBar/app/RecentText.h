@@ -9,7 +9,8 @@
 
 namespace vorla {
 
-/// The newest text of a stream that may go on for ever.
+/// The newest text of a stream that may go on for ever: at most `maximumBytes` of it, and at least
+/// half as many once there have been more.
 class RecentText final {
 public:
     explicit RecentText(std::size_t maximumBytes) : maximumBytes_(maximumBytes) {}

@@ -13,7 +13,8 @@ namespace vorla {
 /// without noncharacters such as U+FFFF, which become U+FFFD. Not bounded.
 std::string busText(std::string_view text);
 
-/// As much of busText() as tells where its first `maximumBytes` end, however much there is.
+/// The start of busText(), long enough to be cut after `maximumBytes`; the work does not grow with
+/// the rest of the text.
 std::string startOfBusText(std::string_view text, std::size_t maximumBytes);
 
 /// For a menu label: `_` doubled, since a single one would mark the next letter as a mnemonic, and

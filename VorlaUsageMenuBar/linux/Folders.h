@@ -27,7 +27,7 @@ std::string executableBehind(const std::string& link);
 
 /// The folder of the application's own resources beside the installed executable's folder; nothing
 /// if that executable has been deleted or replaced. Nobody has looked whether it is there: what
-/// belongs into it may be installed later.
+/// belongs there may be installed later.
 std::optional<std::string> resourcesDirectory();
 
 /// The picture of the application that is installed with the running executable, or empty if it is

@@ -14,7 +14,7 @@ namespace vorla {
 struct SpawnRequest {
     enum class Leads { processGroup, session };
 
-    /// Never looked for in PATH; the program's own name in its arguments, too.
+    /// Never looked for in PATH; also the first of the arguments that the program sees.
     std::string path;
     /// Those after its name.
     std::vector<std::string> arguments = {};

@@ -14,7 +14,7 @@
 ///
 ///     {"quota":{"fiveHourRemainingPercent":87,…},"activationToken":"…"}   first, exactly once
 ///     {"activationToken":"…"}                                             come to the front
-///     {}                                                                  also, without a token
+///     {}                                                                  the same, no token
 ///
 /// The end of the input closes the window. On its standard output the window says `closing` once,
 /// as soon as it can no longer be brought to the front, and then its program ends.
