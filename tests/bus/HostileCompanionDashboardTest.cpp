@@ -31,6 +31,17 @@ protected:
         return addressOpener.addresses;
     }
 
+    /// What the menu says once a dashboard has failed that printed these errors.
+    std::string problemAfter(const std::string& errors) {
+        startWithFigures({"STATUS=3"});
+        makeFile("errors", errors);
+        companionIs("printsFiles");
+        choose();
+        EXPECT_TRUE(
+            loop().runUntil([this] { return item.line(LineRole::dashboardError).has_value(); }));
+        return item.text(LineRole::dashboardError);
+    }
+
     void quit() {
         item.listener->chosen(MenuAction::quit);
         EXPECT_TRUE(loop().runUntil([this] { return replies > 0; }));
@@ -54,30 +65,16 @@ TEST_F(HostileDashboard, aMillionLines) {
 }
 
 TEST_F(HostileDashboard, errorsThatAreOneCharacterWithoutEnd) {
-    startWithFigures({"STATUS=3"});
     std::string errors = "e";
     while (errors.size() < 20'000'000) {
         errors += "\u0301";
     }
-    makeFile("errors", errors);
-    companionIs("printsFiles");
-    choose();
-    ASSERT_TRUE(
-        loop().runUntil([this] { return item.line(LineRole::dashboardError).has_value(); }));
-    EXPECT_EQ(
-        item.text(LineRole::dashboardError),
-        "Dashboard stopped: " + errors.substr(0, 65'535) + "\uFFFD");
+    EXPECT_EQ(problemAfter(errors), "Dashboard stopped: " + errors.substr(0, 65'535) + "\uFFFD");
 }
 
 TEST_F(HostileDashboard, errorsWithoutEnd) {
-    startWithFigures({"STATUS=3"});
-    makeFile("errors", "port in use\n" + std::string(80'000'000, 'x'));
-    companionIs("printsFiles");
-    choose();
-    ASSERT_TRUE(
-        loop().runUntil([this] { return item.line(LineRole::dashboardError).has_value(); }));
     EXPECT_EQ(
-        item.text(LineRole::dashboardError),
+        problemAfter("port in use\n" + std::string(80'000'000, 'x')),
         "Dashboard stopped: port in use\n" + std::string(188, 'x'));
 }
 

@@ -117,6 +117,24 @@ class NotificationPosting : public NotificationFixture {
 protected:
     /// The bubble that the last notification was to replace.
     std::uint32_t lastReplaced() const { return service->notifications.back().replacedBubble; }
+
+    /// Posts a notification. Before the service answers the call of `member` it loses its name to
+    /// `next`; the test gives its answer to `heldCall`.
+    void replaceServiceDuring(const std::string& member, ScriptedNotificationService& next) {
+        startService().answers[member] = [this](sd_bus_message* message) {
+            heldCall = bus::Message::sharing(message);
+            return 0;
+        };
+        makeCentre();
+        centre->add({"a", "", ""}, [this](const Failure& failure) { lateAnswer = failure; });
+        ASSERT_TRUE(loop.runUntil([&] { return heldCall.has_value(); }));
+        ASSERT_GE(sd_bus_release_name(service->bus().native(), "org.freedesktop.Notifications"), 0);
+        ASSERT_TRUE(next.appear());
+        catchUp();
+    }
+
+    std::optional<bus::Message> heldCall;
+    std::optional<Failure> lateAnswer;
 };
 
 TEST_F(NotificationPosting, sendsWhatEveryServiceUnderstands) {
@@ -228,43 +246,21 @@ TEST_F(NotificationPosting, replacesNoBubbleOfAnotherService) {
 }
 
 TEST_F(NotificationPosting, replacesNoBubbleThatAnEarlierServiceNamesLate) {
-    std::optional<bus::Message> call;
-    startService().answers["Notify"] = [&](sd_bus_message* message) {
-        call = bus::Message::sharing(message);
-        return 0;
-    };
-    makeCentre();
-    std::optional<Failure> answer;
-    centre->add({"a", "", ""}, [&](const Failure& failure) { answer = failure; });
-    ASSERT_TRUE(loop.runUntil([&] { return call.has_value(); }));
-    ASSERT_GE(sd_bus_release_name(service->bus().native(), "org.freedesktop.Notifications"), 0);
     ScriptedNotificationService next(loop, daemon.address());
-    ASSERT_TRUE(next.appear());
-    catchUp();
-    bus::checked(sd_bus_reply_method_return(call->native(), "u", 7U), "reply");
-    ASSERT_TRUE(loop.runUntil([&] { return answer.has_value(); }));
-    EXPECT_EQ(*answer, std::nullopt);
+    ASSERT_NO_FATAL_FAILURE(replaceServiceDuring("Notify", next));
+    bus::checked(sd_bus_reply_method_return(heldCall->native(), "u", 7U), "reply");
+    ASSERT_TRUE(loop.runUntil([&] { return lateAnswer.has_value(); }));
+    EXPECT_EQ(*lateAnswer, std::nullopt);
     EXPECT_EQ(add({"a", "", ""}), std::nullopt);
     EXPECT_EQ(next.notifications.at(0).replacedBubble, 0U);
 }
 
 TEST_F(NotificationPosting, keepsNoCapabilitiesThatAnEarlierServiceNamesLate) {
-    std::optional<bus::Message> call;
-    startService().answers["GetCapabilities"] = [&](sd_bus_message* message) {
-        call = bus::Message::sharing(message);
-        return 0;
-    };
-    makeCentre();
-    std::optional<Failure> answer;
-    centre->add({"a", "", ""}, [&](const Failure& failure) { answer = failure; });
-    ASSERT_TRUE(loop.runUntil([&] { return call.has_value(); }));
-    ASSERT_GE(sd_bus_release_name(service->bus().native(), "org.freedesktop.Notifications"), 0);
     ScriptedNotificationService next(loop, daemon.address());
     next.answers["GetCapabilities"] = ScriptedNotificationService::capabilities({"body-markup"});
-    ASSERT_TRUE(next.appear());
-    catchUp();
-    bus::checked(sd_bus_reply_method_return(call->native(), "as", 0), "reply");
-    ASSERT_TRUE(loop.runUntil([&] { return answer.has_value(); }));
+    ASSERT_NO_FATAL_FAILURE(replaceServiceDuring("GetCapabilities", next));
+    bus::checked(sd_bus_reply_method_return(heldCall->native(), "as", 0), "reply");
+    ASSERT_TRUE(loop.runUntil([&] { return lateAnswer.has_value(); }));
     EXPECT_EQ(add({"a", "", "<"}), std::nullopt);
     EXPECT_EQ(next.notifications.back().body, "&lt;");
 }
