@@ -66,6 +66,13 @@ public:
         }
     }
 
+    /// Out of the task bar, too: the toolkit does that only for a window that it knows to be there,
+    /// which it may hear too late. Changes nothing for one that is mapped.
+    void map() const {
+        xcb_map_window(connection_, number_);
+        xcb_flush(connection_);
+    }
+
     void requestFocus(std::uint32_t time) const {
         xcb_change_property(
             connection_, XCB_PROP_MODE_REPLACE, number_, atom("_NET_WM_USER_TIME"),
@@ -123,6 +130,7 @@ bool bringToUserOfX11(QWindow& window, const std::optional<std::string>& activat
     }
     const X11Window shown(x11->connection(), static_cast<xcb_window_t>(window.winId()));
     shown.moveToCurrentDesktop();
+    shown.map();
     const auto time = clickTime(activationToken.value_or(""));
     if (time) {
         shown.requestFocus(*time);
