@@ -87,8 +87,7 @@ void AppDelegate::applicationShouldTerminate() {
     if (quitting_) {
         return;
     }
-    // First, so that the answer comes whatever fails below, and a failure here leaves all as it
-    // was.
+    // First: if this fails all stays as it was, and whatever fails later the answer comes.
     terminationTimer_ = platform_.loop.after(terminationLimit, [this] { replyToTerminate(); });
     quitting_ = true;
     timer_.reset();

@@ -66,8 +66,8 @@ public:
         }
     }
 
-    /// Out of the task bar, too: the toolkit does that only for a window that it knows to be there,
-    /// which it may hear too late. Changes nothing for one that is mapped.
+    /// Brings it back if it is minimised. The toolkit does so only once it has heard of that, which
+    /// may be too late.
     void map() const {
         xcb_map_window(connection_, number_);
         xcb_flush(connection_);

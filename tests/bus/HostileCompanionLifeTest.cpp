@@ -273,14 +273,14 @@ TEST_F(HostileLife, anyFatalSignal) {
 TEST_F(HostileLife, aCoreFile) {
     const CurrentFolder current(folder());
     const SystemLimit small(RLIMIT_CORE, 1'000'000);
-    if (!writesCoreFiles()) {
-        GTEST_SKIP() << "This system writes no core files.";
-    }
     startWithFigures({"SIGNAL=" + std::to_string(SIGABRT)});
     refreshWith("diesOfSignal");
     siginfo_t end = {};
     ASSERT_EQ(waitid(P_ALL, 0, &end, WEXITED | WNOWAIT), 0);
-    EXPECT_EQ(end.si_code, CLD_DUMPED);
+    // Without one the line is the same. A test cannot have the system write any.
+    if (writesCoreFiles()) {
+        EXPECT_EQ(end.si_code, CLD_DUMPED);
+    }
     expectLineAndRecovery(failed(SIGABRT));
 }
 
